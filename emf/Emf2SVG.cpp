@@ -1,0 +1,178 @@
+// The EMF driver: header test, picture size and origin, the record walk and dispatch.
+#define TRACE_FILE "Emf2SVG"
+#include "emf/Emf2SVG.h"
+
+#include <cmath>
+#include <cstring>
+
+#include "api/Trace.h"
+#include "byteorder/BEndTools.h"
+#include "geometry/Numeric.h"
+
+namespace {
+
+const uint32_t kEmrEof = 14;
+
+// Device pixels per millimetre assumed when the header gives no millimetre size (96 dpi).
+const double kDefaultPixelsPerMm = 96.0 / 25.4;
+
+// Difference of two 32-bit values, wrapping as 32-bit arithmetic does.
+int32_t Diff32(int32_t a, int32_t b) {
+    return (int32_t)((uint32_t)a - (uint32_t)b);
+}
+
+// Device pixels per millimetre on one axis; the default resolution when the header's
+// millimetre size is zero or the ratio is not finite.
+double PixelsPerMm(int32_t device, int32_t millimetres) {
+    if (millimetres == 0) return kDefaultPixelsPerMm;
+    const double r = (double)device / (double)millimetres;
+    return std::isfinite(r) ? r : kDefaultPixelsPerMm;
+}
+
+// Rounds a picture size to an integer: halves go up.
+int RoundSize(float v) {
+    const double f = std::floor((double)v);
+    return numeric::TruncToInt(f + 0.5 > (double)v ? f : std::ceil((double)v));
+}
+
+// The rectangle of `r` (right and bottom exclusive); empty when it has no area.
+QRect RectOf(const tagRECT& r) {
+    const int64_t w = (int64_t)r.right - r.left, h = (int64_t)r.bottom - r.top;
+    if (w <= 0 || h <= 0) return QRect();
+    return QRect(QPoint(r.left, r.top), QPoint(r.right - 1, r.bottom - 1));
+}
+
+}  // namespace
+
+Emf2SvgConverter::Emf2SvgConverter()
+    : m_recordNames(),
+      m_vpScaleX(1.0f),
+      m_vpScaleY(1.0f),
+      m_worldXform{1.0f, 0.0f, 0.0f, 1.0f, 0.0f, 0.0f},
+      m_originX(0),
+      m_originY(0),
+      m_frameScaleX(1.0f),
+      m_frameScaleY(1.0f),
+      m_anisotropic(0),
+      m_viewportExtX(0),
+      m_viewportExtY(0),
+      m_windowExtX(0),
+      m_windowExtY(0),
+      m_windowOrgX(0),
+      m_windowOrgY(0),
+      m_viewportOrgX(0),
+      m_viewportOrgY(0) {}
+
+Emf2SvgConverter::~Emf2SvgConverter() {}
+
+int Emf2SvgConverter::IsValidEMFFile(tagENHMETAHEADER& header) {
+    TRACE_ENTER();
+    if (header.dSignature != ENHMETA_SIGNATURE) TRACE_RETURN(-2);
+    TRACE_RETURN(1);
+}
+
+QString Emf2SvgConverter::GetOutSVG() {
+    return m_writer.GetSVGOutput();
+}
+
+int Emf2SvgConverter::ConvertEMFToSVG(unsigned char* data, CLogger& log) {
+    TRACE_ENTER();
+    if (!data) TRACE_RETURN(0);
+    tagENHMETAHEADER header;
+    std::memcpy(&header, data, sizeof header);
+    InitEnhMetaHeader(header);
+    if (header.dSignature != ENHMETA_SIGNATURE) TRACE_RETURN(0);
+
+    InitEMFRecHandlers();
+    SetupPicture(header);
+    if (log.m_enabled) {
+        log.WriteText("################# Start Of File ######################\n");
+        log.WriteText("\n");
+    }
+    try {
+        WalkRecords(data, header, log);
+    } catch (...) {
+        LOG_FATAL("Exception occured");
+        TRACE_RETURN(-1);
+    }
+    m_writer.Close();
+    if (log.m_enabled) {
+        log.WriteText("\n ############### End of File ##############\n");
+        log.WriteText("\n");
+    }
+    TRACE_RETURN(1);
+}
+
+void Emf2SvgConverter::SetupPicture(const tagENHMETAHEADER& h) {
+    TRACE_ENTER();
+    m_boundsRegion = QRegion(RectOf(h.rclBounds));
+
+    // Frame scales: 0.01 mm per device unit. A degenerate bounds or frame rectangle would
+    // make a zero or infinite divisor; the scale then stays 1.
+    const int32_t frameW = Diff32(h.rclFrame.right, h.rclFrame.left);
+    const int32_t frameH = Diff32(h.rclFrame.bottom, h.rclFrame.top);
+    const float fx = (float)frameW / (float)Diff32(h.rclBounds.right, h.rclBounds.left);
+    const float fy = (float)frameH / (float)Diff32(h.rclBounds.bottom, h.rclBounds.top);
+    m_frameScaleX = (std::isfinite(fx) && fx != 0.0f) ? fx : 1.0f;
+    m_frameScaleY = (std::isfinite(fy) && fy != 0.0f) ? fy : 1.0f;
+
+    const double rx = PixelsPerMm(h.szlDevice.cx, h.szlMillimeters.cx);
+    const double ry = PixelsPerMm(h.szlDevice.cy, h.szlMillimeters.cy);
+
+    // Picture origin: the bounds' corner when the frame's corner lies within one device unit
+    // of it on either axis, otherwise the frame's corner in millimetres.
+    const float x = (float)((h.rclFrame.left / 100.0) * rx);
+    const float y = (float)((h.rclFrame.top / 100.0) * ry);
+    const double dx = (double)x - h.rclBounds.left, dy = (double)y - h.rclBounds.top;
+    if ((dx > -1.0 && dx < 1.0) || (dy > -1.0 && dy < 1.0)) {
+        m_originX = h.rclBounds.left;
+        m_originY = h.rclBounds.top;
+    } else {
+        m_originX = h.rclFrame.left / 100;
+        m_originY = h.rclFrame.top / 100;
+    }
+
+    const int width = RoundSize((float)((frameW / 100.0) * rx));
+    const int height = RoundSize((float)((frameH / 100.0) * ry));
+    m_writer.CreateXML(width, height);
+    TRACE_RETURN();
+}
+
+void Emf2SvgConverter::WalkRecords(unsigned char* data, const tagENHMETAHEADER& header,
+                                   CLogger& log) {
+    TRACE_ENTER();
+    if (header.nRecords == 0) TRACE_RETURN();
+    // The buffer holds nBytes bytes. A record that does not fit, or whose size cannot hold
+    // its own header, ends the walk as EMR_EOF would; every step advances by at least 8.
+    const uint64_t end = header.nBytes;
+    uint64_t pos = header.nSize;
+    uint32_t count = 0;
+    while (records::Fits(pos, sizeof(tagEMR), end)) {
+        tagEMR emr;
+        std::memcpy(&emr, data + pos, sizeof emr);
+        InitEMR(emr);
+        if (emr.nSize < sizeof(tagEMR) || !records::Fits(pos, emr.nSize, end)) break;
+        unsigned char* copy = m_recordCopy.Fill(data + pos, emr.nSize);
+        if (emr.iType == kEmrEof) break;
+        HandleEnhMetaRecordData(copy, emr.nSize, log);
+        if (++count == header.nRecords) break;
+        pos += emr.nSize;
+    }
+    TRACE_RETURN();
+}
+
+int Emf2SvgConverter::HandleEnhMetaRecordData(unsigned char* record, unsigned int size,
+                                              CLogger& log) {
+    TRACE_ENTER();
+    if (size == 0) TRACE_RETURN(0);
+    tagEMR emr;
+    std::memcpy(&emr, record, sizeof emr);
+    InitEMRMETARECORD(emr);
+    const auto it = m_handlers.find(emr.iType);
+    if (it == m_handlers.end()) {
+        log.LogString(RecordName(emr.iType));
+        TRACE_RETURN(1);
+    }
+    const int result = (this->*(it->second))(record, size);
+    TRACE_RETURN(result);
+}

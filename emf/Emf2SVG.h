@@ -1,0 +1,93 @@
+// Emf2SvgConverter: the EMF record interpreter.
+//
+// One converter serves one conversion: ConvertEMFToSVG walks the records of a whole file,
+// dispatching each to its handler through a table keyed by record type, and GetOutSVG hands
+// back the SVG text. Handlers receive a private, zero-padded copy of their record
+// (records::kRecordPadding bytes of zeros follow it) and its size from the record header.
+#ifndef SVGMODULE_EMF2SVG_H
+#define SVGMODULE_EMF2SVG_H
+
+#include <QRegion>
+#include <QString>
+#include <map>
+
+#include "MetafileStructs.h"
+#include "api/Logger.h"
+#include "byteorder/RecordReader.h"
+#include "svg/SVGWriter.h"
+
+class Emf2SvgConverter {
+  public:
+    typedef int (Emf2SvgConverter::*Handler)(unsigned char* record, unsigned int size);
+
+    static const unsigned int kNameTableSize = 10000;
+
+    Emf2SvgConverter();
+    ~Emf2SvgConverter();
+    Emf2SvgConverter(const Emf2SvgConverter&) = delete;
+    Emf2SvgConverter& operator=(const Emf2SvgConverter&) = delete;
+
+    // 1 when the header carries the EMF signature, otherwise -2.
+    static int IsValidEMFFile(tagENHMETAHEADER& header);
+    // Converts the whole file at `data`, whose header's nBytes the caller has checked against
+    // the bytes it holds. Returns 1, 0 (null data or no signature) or -1 (exception).
+    int ConvertEMFToSVG(unsigned char* data, CLogger& log);
+    QString GetOutSVG();
+
+    void InitEMFRecHandlers();
+    void InitEMFText();
+    int HandleEnhMetaRecordData(unsigned char* record, unsigned int size, CLogger& log);
+
+    // The record name for a type, or null when the type has none.
+    const char* RecordName(unsigned int type) const {
+        return type < kNameTableSize ? m_recordNames[type] : nullptr;
+    }
+
+    // Coordinate mapping: logical to output units.
+    int MapX(int x, int withOrigin);
+    int MapY(int y, int withOrigin);
+    int MapPoint(const tagPOINTS& in, tagPOINTS& out);
+
+    // Read access for tests.
+    CMySVGWriter& Writer() { return m_writer; }
+
+  private:
+    // Picture origin and size from the header (the document is opened at that size).
+    void SetupPicture(const tagENHMETAHEADER& header);
+    // Walks the records after the header; returns false when an exception ended the walk.
+    void WalkRecords(unsigned char* data, const tagENHMETAHEADER& header, CLogger& log);
+    int MapLength(float v);
+
+    // Mapping state (EMR_SETMAPMODE, window and viewport records, world transform).
+    int OnSetMapMode(unsigned char* record, unsigned int size);
+    int OnSetWindowOrgEx(unsigned char* record, unsigned int size);
+    int OnSetWindowsExt(unsigned char* record, unsigned int size);
+    int OnSetViewPortOrgEx(unsigned char* record, unsigned int size);
+    int OnSetViewPortEx(unsigned char* record, unsigned int size);
+    int OnSetWorldTransform(unsigned char* record, unsigned int size);
+    int OnModifyWorldTransform(unsigned char* record, unsigned int size);
+
+    std::map<unsigned int, Handler> m_handlers;
+    CMySVGWriter m_writer;
+    QRegion m_boundsRegion;
+    const char* m_recordNames[kNameTableSize];
+    float m_vpScaleX;
+    float m_vpScaleY;
+    tagXFORM m_worldXform;
+    int m_originX;
+    int m_originY;
+    float m_frameScaleX;
+    float m_frameScaleY;
+    int m_anisotropic;
+    int32_t m_viewportExtX;
+    int32_t m_viewportExtY;
+    int32_t m_windowExtX;
+    int32_t m_windowExtY;
+    int32_t m_windowOrgX;
+    int32_t m_windowOrgY;
+    int32_t m_viewportOrgX;
+    int32_t m_viewportOrgY;
+    records::RecordBuffer m_recordCopy;
+};
+
+#endif

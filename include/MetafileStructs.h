@@ -1,0 +1,425 @@
+// The published EMF and WMF structures, in file layout. Records are read through these views
+// of private, zero-padded record copies after byte-order normalisation. EMF structures are
+// naturally aligned; WMF structures use 2-byte packing, as the format does.
+#ifndef SVGMODULE_METAFILESTRUCTS_H
+#define SVGMODULE_METAFILESTRUCTS_H
+
+#include <cstdint>
+
+typedef uint16_t WCHAR16;  // a UTF-16 code unit as stored in a metafile
+
+// --- basic geometry ----------------------------------------------------------------------
+struct tagPOINT {
+    int32_t x;
+    int32_t y;
+};
+typedef tagPOINT _POINTL;
+
+struct tagPOINTS {
+    int16_t x;
+    int16_t y;
+};
+
+struct tagRECT {
+    int32_t left;
+    int32_t top;
+    int32_t right;
+    int32_t bottom;
+};
+typedef tagRECT _RECTL;
+
+struct tagRECT16 {
+    int16_t left;
+    int16_t top;
+    int16_t right;
+    int16_t bottom;
+};
+
+struct tagSIZE {
+    int32_t cx;
+    int32_t cy;
+};
+typedef tagSIZE SIZEL;
+
+struct tagXFORM {
+    float eM11;
+    float eM12;
+    float eM21;
+    float eM22;
+    float eDx;
+    float eDy;
+};
+
+// --- EMF header and record prefix --------------------------------------------------------
+struct tagEMR {
+    uint32_t iType;
+    uint32_t nSize;
+};
+typedef tagEMR tagENHMETARECORD;
+
+struct tagENHMETAHEADER {
+    uint32_t iType;
+    uint32_t nSize;
+    tagRECT rclBounds;
+    tagRECT rclFrame;
+    uint32_t dSignature;
+    uint32_t nVersion;
+    uint32_t nBytes;
+    uint32_t nRecords;
+    uint16_t nHandles;
+    uint16_t sReserved;
+    uint32_t nDescription;
+    uint32_t offDescription;
+    uint32_t nPalEntries;
+    tagSIZE szlDevice;
+    tagSIZE szlMillimeters;
+};
+static_assert(sizeof(tagENHMETAHEADER) == 88, "ENHMETAHEADER layout");
+
+const uint32_t ENHMETA_SIGNATURE = 0x464D4520;
+
+// --- GDI objects embedded in EMF records -------------------------------------------------
+struct tagLOGPEN {
+    uint32_t lopnStyle;
+    tagPOINT lopnWidth;
+    uint32_t lopnColor;
+};
+
+struct tagEXTLOGPEN {
+    uint32_t elpPenStyle;
+    uint32_t elpWidth;
+    uint32_t elpBrushStyle;
+    uint32_t elpColor;
+    uint32_t elpHatch;
+    uint32_t elpNumEntries;
+    uint32_t elpStyleEntry[1];
+};
+
+// The 32-bit LOGBRUSH of EMF records (lbHatch is 32 bits in a file).
+struct tagLOGBRUSH {
+    uint32_t lbStyle;
+    uint32_t lbColor;
+    uint32_t lbHatch;
+};
+
+struct tagLOGFONTW {
+    int32_t lfHeight;
+    int32_t lfWidth;
+    int32_t lfEscapement;
+    int32_t lfOrientation;
+    int32_t lfWeight;
+    uint8_t lfItalic;
+    uint8_t lfUnderline;
+    uint8_t lfStrikeOut;
+    uint8_t lfCharSet;
+    uint8_t lfOutPrecision;
+    uint8_t lfClipPrecision;
+    uint8_t lfQuality;
+    uint8_t lfPitchAndFamily;
+    WCHAR16 lfFaceName[32];
+};
+static_assert(sizeof(tagLOGFONTW) == 92, "LOGFONTW layout");
+
+struct tagPANOSE {
+    uint8_t bytes[10];
+};
+
+struct tagEXTLOGFONTW {
+    tagLOGFONTW elfLogFont;
+    WCHAR16 elfFullName[64];
+    WCHAR16 elfStyle[32];
+    uint32_t elfVersion;
+    uint32_t elfStyleSize;
+    uint32_t elfMatch;
+    uint32_t elfReserved;
+    uint8_t elfVendorId[4];
+    uint32_t elfCulture;
+    tagPANOSE elfPanose;
+    uint16_t padding;
+};
+static_assert(sizeof(tagEXTLOGFONTW) == 320, "EXTLOGFONTW layout");
+
+// --- EMF records -------------------------------------------------------------------------
+// Header plus one 32-bit value: EMR_SETBKMODE, EMR_SETMAPMODE, EMR_SETTEXTALIGN,
+// EMR_SELECTCLIPPATH and the like.
+struct tagEMRSELECTCLIPPATH {
+    tagEMR emr;
+    uint32_t iMode;
+};
+typedef tagEMRSELECTCLIPPATH tagEMRSETBKMODE;
+typedef tagEMRSELECTCLIPPATH tagEMRSETMAPMODE;
+typedef tagEMRSELECTCLIPPATH tagEMRSETTEXTALIGN;
+
+struct tagEMRSETTEXTCOLOR {
+    tagEMR emr;
+    uint32_t crColor;
+};
+typedef tagEMRSETTEXTCOLOR tagEMRSETBKCOLOR;
+
+// EMR_SETWINDOWORGEX and EMR_SETVIEWPORTORGEX.
+struct tagEMRSETVIEWPORTORGEX {
+    tagEMR emr;
+    tagPOINT ptlOrigin;
+};
+
+// EMR_SETWINDOWEXTEX and EMR_SETVIEWPORTEXTEX.
+struct tagEMRSETVIEWPORTEXTEX {
+    tagEMR emr;
+    tagSIZE szlExtent;
+};
+
+// EMR_LINETO and EMR_MOVETOEX.
+struct tagEMRLINETO {
+    tagEMR emr;
+    tagPOINT ptl;
+};
+typedef tagEMRLINETO tagEMRMOVETOEX;
+
+struct tagEMRSETWORLDTRANSFORM {
+    tagEMR emr;
+    tagXFORM xform;
+};
+
+struct tagEMRMODIFYWORLDTRANSFORM {
+    tagEMR emr;
+    tagXFORM xform;
+    uint32_t iMode;
+};
+
+// EMR_SELECTOBJECT and EMR_DELETEOBJECT.
+struct tagEMRSELECTOBJECT {
+    tagEMR emr;
+    uint32_t ihObject;
+};
+typedef tagEMRSELECTOBJECT tagEMRDELETEOBJECT;
+
+struct tagEMRCREATEPEN {
+    tagEMR emr;
+    uint32_t ihPen;
+    tagLOGPEN lopn;
+};
+
+struct tagEMREXTCREATEPEN {
+    tagEMR emr;
+    uint32_t ihPen;
+    uint32_t offBmi;
+    uint32_t cbBmi;
+    uint32_t offBits;
+    uint32_t cbBits;
+    tagEXTLOGPEN elp;
+};
+
+struct tagEMRCREATEBRUSHINDIRECT {
+    tagEMR emr;
+    uint32_t ihBrush;
+    tagLOGBRUSH lb;
+};
+
+struct tagEMREXTCREATEFONTINDIRECTW {
+    tagEMR emr;
+    uint32_t ihFont;
+    tagEXTLOGFONTW elfw;
+};
+
+// EMR_ELLIPSE and EMR_RECTANGLE.
+struct tagEMRELLIPSE {
+    tagEMR emr;
+    tagRECT rclBox;
+};
+typedef tagEMRELLIPSE tagEMRRECTANGLE;
+
+// Point lists: EMR_POLYBEZIER, EMR_POLYGON, EMR_POLYLINE, EMR_POLYBEZIERTO, EMR_POLYLINETO.
+struct tagEMRPOLYLINE {
+    tagEMR emr;
+    tagRECT rclBounds;
+    uint32_t cptl;
+    tagPOINT aptl[1];
+};
+typedef tagEMRPOLYLINE tagEMRPOLYGON;
+
+// 16-bit point lists: EMR_POLYBEZIER16 to EMR_POLYLINETO16.
+struct tagEMRPOLYLINE16 {
+    tagEMR emr;
+    tagRECT rclBounds;
+    uint32_t cpts;
+    tagPOINTS apts[1];
+};
+typedef tagEMRPOLYLINE16 tagEMRPOLYGON16;
+
+// EMR_POLYPOLYLINE, EMR_POLYPOLYGON: counts, then points.
+struct tagEMRPOLYPOLYLINE {
+    tagEMR emr;
+    tagRECT rclBounds;
+    uint32_t nPolys;
+    uint32_t cptl;
+    uint32_t aPolyCounts[1];
+};
+typedef tagEMRPOLYPOLYLINE tagEMRPOLYPOLYGON;
+
+// EMR_POLYPOLYLINE16, EMR_POLYPOLYGON16.
+struct tagEMRPOLYPOLYLINE16 {
+    tagEMR emr;
+    tagRECT rclBounds;
+    uint32_t nPolys;
+    uint32_t cpts;
+    uint32_t aPolyCounts[1];
+};
+typedef tagEMRPOLYPOLYLINE16 tagEMRPOLYPOLYGON16;
+
+// EMR_POLYDRAW16: cpts points, then cpts type bytes.
+struct tagEMRPOLYDRAW16 {
+    tagEMR emr;
+    tagRECT rclBounds;
+    uint32_t cpts;
+    tagPOINTS apts[1];
+};
+
+// EMR_FILLPATH, EMR_STROKEPATH and the like.
+struct tagEMRFILLPATH {
+    tagEMR emr;
+    tagRECT rclBounds;
+};
+
+// --- WMF structures (2-byte packing) -----------------------------------------------------
+#pragma pack(push, 2)
+
+struct _PlaceableMetaHeader {
+    uint32_t Key;
+    uint16_t Hmf;
+    tagRECT16 BoundingBox;
+    uint16_t Inch;
+    uint32_t Reserved;
+    uint16_t Checksum;
+};
+static_assert(sizeof(_PlaceableMetaHeader) == 22, "placeable header layout");
+
+const uint32_t PLACEABLE_KEY = 0x9AC6CDD7;
+
+struct _WindowsMetaHeader {
+    uint16_t mtType;
+    uint16_t mtHeaderSize;
+    uint16_t mtVersion;
+    uint32_t mtSize;
+    uint16_t mtNoObjects;
+    uint32_t mtMaxRecord;
+    uint16_t mtNoParameters;
+};
+static_assert(sizeof(_WindowsMetaHeader) == 18, "METAHEADER layout");
+
+// The WMF record prefix: size in 16-bit words, then the function number.
+struct tagWMR {
+    uint32_t rdSize;
+    uint16_t rdFunction;
+};
+static_assert(sizeof(tagWMR) == 6, "WMF record prefix layout");
+
+struct tagMETARECORD {
+    uint32_t rdSize;
+    uint16_t rdFunction;
+    uint16_t rdParm[1];
+};
+
+// The WMF font object, in file order.
+struct FONTSPEC {
+    int16_t Height;
+    int16_t Width;
+    int16_t Escapement;
+    int16_t Orientation;
+    int16_t Weight;
+    uint8_t Italic;
+    uint8_t Underline;
+    uint8_t StrikeOut;
+    uint8_t CharSet;
+    uint8_t OutPrecision;
+    uint8_t ClipPrecision;
+    uint8_t Quality;
+    uint8_t PitchAndFamily;
+    char Facename[32];
+};
+static_assert(sizeof(FONTSPEC) == 50, "WMF font layout");
+
+struct tagLOGPEN16 {
+    uint16_t lopnStyle;
+    tagPOINTS lopnWidth;
+    uint32_t lopnColor;
+};
+
+struct tagLOGBRUSH16 {
+    uint16_t lbStyle;
+    uint32_t lbColor;
+    uint16_t lbHatch;
+};
+
+struct tagWMRCREATEPEN {
+    tagWMR wmr;
+    tagLOGPEN16 pen;
+};
+static_assert(sizeof(tagWMRCREATEPEN) == 16, "META_CREATEPENINDIRECT layout");
+
+struct tagWMRCREATEBRUSHINDIRECT {
+    tagWMR wmr;
+    tagLOGBRUSH16 brush;
+};
+static_assert(sizeof(tagWMRCREATEBRUSHINDIRECT) == 14, "META_CREATEBRUSHINDIRECT layout");
+
+struct tagWMREXTCREATEFONTINDIRECT {
+    tagWMR wmr;
+    FONTSPEC font;
+};
+static_assert(sizeof(tagWMREXTCREATEFONTINDIRECT) == 56, "META_CREATEFONTINDIRECT layout");
+
+// META_SELECTOBJECT and META_DELETEOBJECT.
+struct tagWMRSELECTOBJECT {
+    tagWMR wmr;
+    uint16_t ObjectIndex;
+};
+
+// META_MOVETO and META_LINETO (parameters in reverse order).
+struct tagWMRLINETO {
+    tagWMR wmr;
+    int16_t y;
+    int16_t x;
+};
+
+// META_SETWINDOWORG and META_SETWINDOWEXT.
+struct tagWMRSETVIEWPORTORGEX {
+    tagWMR wmr;
+    int16_t y;
+    int16_t x;
+};
+
+// META_POLYLINE and META_POLYGON.
+struct tagWMRPOLYLINE {
+    tagWMR wmr;
+    uint16_t NumberOfPoints;
+    tagPOINTS aPoints[1];
+};
+
+// META_POLYPOLYGON: counts, then all points.
+struct tagWMRPOLYPOLYLINE {
+    tagWMR wmr;
+    uint16_t NumberOfPolygons;
+    uint16_t aPointsPerPolygon[1];
+};
+
+// META_RECTANGLE and META_ELLIPSE: BottomRect, RightRect, TopRect, LeftRect.
+struct tagWMRELLIPSE {
+    tagWMR wmr;
+    int16_t BottomRect;
+    int16_t RightRect;
+    int16_t TopRect;
+    int16_t LeftRect;
+};
+
+struct tagWMRPATBLT {
+    tagWMR wmr;
+    uint32_t RasterOperation;
+    int16_t Height;
+    int16_t Width;
+    int16_t YLeft;
+    int16_t XLeft;
+};
+
+#pragma pack(pop)
+
+#endif

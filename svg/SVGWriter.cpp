@@ -1,0 +1,78 @@
+// The document itself: header and footer, escaping, the world transform and background mode.
+#define TRACE_FILE "SVGWriter"
+#include "svg/SVGWriter.h"
+
+#include <QIODevice>
+
+#include "api/Trace.h"
+#include "geometry/Transform.h"
+
+namespace {
+const char kSvgNamespace[] = "http://www.w3.org/2000/svg";
+}
+
+CMySVGWriter::CMySVGWriter()
+    : m_currStyle(QStringLiteral(" stroke=\"black\" stroke-width=\"1\" fill=\"none\"")),
+      m_bkColor(QStringLiteral("none")),
+      m_textFill(QStringLiteral(" fill=\"black\"")),
+      m_textAlign(0),
+      m_curX(0),
+      m_curY(0),
+      m_inPath(false),
+      m_clipSelected(false),
+      m_figStartX(0),
+      m_figStartY(0),
+      m_bkMode(-1),
+      m_clipId(1),
+      m_xform{1.0f, 0.0f, 0.0f, 1.0f, 0.0f, 0.0f} {
+    m_stream.setString(&m_output, QIODevice::ReadWrite);
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    m_stream.setCodec("UTF-8");
+#endif
+}
+
+CMySVGWriter::~CMySVGWriter() {}
+
+bool CMySVGWriter::CreateXML(int width, int height) {
+    TRACE_ENTER();
+    m_stream << "<?xml version=\"1.0\" encoding=\"UTF-8\"?> <svg width=\"" << width
+             << "\" height=\" " << height << "\" version=\"1.1\" xmlns=\"" << kSvgNamespace << "\""
+             << " xml:space=\"preserve\" >" << '\n';
+    TRACE_RETURN(true);
+}
+
+bool CMySVGWriter::Close() {
+    TRACE_ENTER();
+    m_stream << "</svg>" << '\n';
+    m_clipId = 1;
+    TRACE_RETURN(true);
+}
+
+QString CMySVGWriter::GetSVGOutput() {
+    m_stream.flush();
+    return m_output;
+}
+
+bool CMySVGWriter::ConvertToValidXML(QString& text) {
+    TRACE_ENTER();
+    text.replace(QLatin1Char('&'), QLatin1String("&amp;"));
+    text.replace(QLatin1Char('<'), QLatin1String("&lt;"));
+    text.replace(QLatin1Char('>'), QLatin1String("&gt;"));
+    TRACE_RETURN(true);
+}
+
+bool CMySVGWriter::SetWorldTransform(float eM11, float eM12, float eM21, float eM22, float eDx,
+                                     float eDy) {
+    m_xform = tagXFORM{eM11, eM12, eM21, eM22, eDx, eDy};
+    return true;
+}
+
+bool CMySVGWriter::ModifyWorldTransform(float eM11, float eM12, float eM21, float eM22, float eDx,
+                                        float eDy, unsigned long mode) {
+    return geometry::ApplyWorldTransform(m_xform, tagXFORM{eM11, eM12, eM21, eM22, eDx, eDy}, mode);
+}
+
+bool CMySVGWriter::SetBkMode(int mode) {
+    m_bkMode = mode;
+    return true;
+}

@@ -1,0 +1,115 @@
+// CMySVGWriter: turns drawing operations in output coordinates into SVG 1.1 text.
+//
+// One writer serves one conversion: CreateXML opens the document, drawing operations append
+// elements through the text stream, Close writes the footer and GetSVGOutput hands the text
+// back. A style argument is SVG attribute text pasted just before "/>"; an empty style means
+// the writer's current style.
+#ifndef SVGMODULE_SVGWRITER_H
+#define SVGMODULE_SVGWRITER_H
+
+#include <QString>
+#include <QTextStream>
+
+#include "MetafileStructs.h"
+#include "style/StyleMgr.h"
+
+class CMySVGWriter {
+  public:
+    CMySVGWriter();
+    ~CMySVGWriter();
+    CMySVGWriter(const CMySVGWriter&) = delete;
+    CMySVGWriter& operator=(const CMySVGWriter&) = delete;
+
+    // Document.
+    bool CreateXML(int width, int height);
+    bool Close();
+    QString GetSVGOutput();
+    bool ConvertToValidXML(QString& text);
+    bool SetWorldTransform(float eM11, float eM12, float eM21, float eM22, float eDx, float eDy);
+    bool ModifyWorldTransform(float eM11, float eM12, float eM21, float eM22, float eDx, float eDy,
+                              unsigned long mode);
+    bool SetBkMode(int mode);
+
+    // Basic shapes.
+    bool MoveTo(int x, int y);
+    bool DrawLine(int x1, int y1, int x2, int y2, const QString& style);
+    bool DrawLineTo(int x, int y, const QString& style);
+    bool DrawPolyLine(const tagPOINT* points, unsigned int count, bool closed, bool fromCurrent,
+                      const QString& style);
+    bool DrawPolyLine(const tagPOINTS* points, unsigned int count, bool closed, bool fromCurrent,
+                      const QString& style);
+    QString GetPointsString(const tagPOINT* points, unsigned int count);
+    bool DrawPolyPolygon(const tagPOINT* points, const unsigned short* counts,
+                         unsigned int polygons, const QString& style);
+    bool DrawRect(int x, int y, int width, int height, const QString& style, int rx, int ry);
+    bool DrawCircle(int cx, int cy, int r, const QString& style);
+    bool DrawEllipse(int cx, int cy, int rx, int ry, const QString& style);
+
+    // Paths and curves.
+    bool StartPath();
+    bool EndPath();
+    bool AbortPath();
+    QString AddToPath(const tagPOINT* points, unsigned int count);
+    QString AddToPath(const QString& data);
+    QString GetPathString(const tagPOINT* points, unsigned int count);
+    bool CloseFigure();
+    bool StrokePath();
+    bool FillPath();
+    QString GetBzrCurveData(const tagPOINT* points, unsigned int count);
+    bool DrawPolyBeziers(const tagPOINT* points, unsigned int count, bool fromCurrent,
+                         const QString& style);
+    bool DrawPolyBeziers(const tagPOINTS* points, unsigned int count, bool fromCurrent,
+                         const QString& style);
+    bool DrawMixedPoly(const tagPOINT* points, const unsigned char* types, unsigned int count,
+                       const QString& style);
+    bool DrawMixedPoly(const tagPOINTS* points, const unsigned char* types, unsigned int count,
+                       const QString& style);
+
+    // Text state.
+    bool SetTextAlign(int flags);
+    bool SetTextColor(unsigned int colour);
+    bool SetBkgMode(float opacity);
+    bool SetBkgColor(unsigned int colour);
+    bool CreateFont(unsigned int handle, tagLOGFONTW font);
+    bool MetaCreateFont(unsigned int handle, FONTSPEC font);
+
+    // Objects.
+    bool SelectObject(unsigned long handle);
+    bool DeleteObject(unsigned int handle);
+    bool CreatePen(unsigned int handle, unsigned int style, unsigned int width, unsigned int colour,
+                   const unsigned int* entries, unsigned int count);
+    bool CreateBrushI(unsigned int handle, unsigned int style, unsigned int hatch,
+                      unsigned int colour);
+
+    // Pattern fill.
+    bool PatBlt(int x, int y, int width, int height);
+
+    // Read access for the interpreters and tests.
+    const tagXFORM& WorldTransform() const { return m_xform; }
+    CStyleManager& StyleManager() { return m_styleMgr; }
+
+  private:
+    const QString& EffectiveStyle(const QString& style) const {
+        return style.isEmpty() ? m_currStyle : style;
+    }
+
+    QString m_currStyle;
+    QString m_bkColor;
+    QString m_textFill;
+    QString m_pathData;
+    QTextStream m_stream;
+    QString m_output;
+    int m_textAlign;
+    int m_curX;
+    int m_curY;
+    bool m_inPath;
+    bool m_clipSelected;
+    int m_figStartX;
+    int m_figStartY;
+    int m_bkMode;
+    int m_clipId;
+    tagXFORM m_xform;
+    CStyleManager m_styleMgr;
+};
+
+#endif

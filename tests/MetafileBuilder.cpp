@@ -1,0 +1,175 @@
+#include "tests/MetafileBuilder.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace mfb {
+
+Bytes& Bytes::u8(uint8_t v) {
+    m_data.push_back(v);
+    return *this;
+}
+
+Bytes& Bytes::put(uint32_t v, int width) {
+    m_fields.emplace_back((int)m_data.size(), width);
+    for (int i = 0; i < width; ++i) m_data.push_back((uint8_t)(v >> (8 * i)));
+    return *this;
+}
+
+Bytes& Bytes::f32(float v) {
+    uint32_t bits;
+    std::memcpy(&bits, &v, 4);
+    return put(bits, 4);
+}
+
+Bytes& Bytes::utf16(const QString& text, int units) {
+    for (int i = 0; i < units; ++i) u16(i < text.size() ? text.at(i).unicode() : 0);
+    return *this;
+}
+
+Bytes& Bytes::latin1(const QByteArray& text, int count) {
+    for (int i = 0; i < count; ++i) u8(i < text.size() ? (uint8_t)text.at(i) : 0);
+    return *this;
+}
+
+Bytes& Bytes::zeros(int count) {
+    m_data.insert(m_data.end(), (size_t)count, 0);
+    return *this;
+}
+
+Bytes& Bytes::append(const Bytes& other) {
+    const int base = (int)m_data.size();
+    m_data.insert(m_data.end(), other.m_data.begin(), other.m_data.end());
+    for (const auto& f : other.m_fields) m_fields.emplace_back(base + f.first, f.second);
+    return *this;
+}
+
+QByteArray Bytes::toByteArray(bool swapped) const {
+    std::vector<uint8_t> out = m_data;
+    if (swapped)
+        for (const auto& f : m_fields)
+            std::reverse(out.begin() + f.first, out.begin() + f.first + f.second);
+    return QByteArray(reinterpret_cast<const char*>(out.data()), (int)out.size());
+}
+
+Bytes Points16(std::initializer_list<std::pair<int, int>> points) {
+    Bytes b;
+    for (const auto& p : points) b.i16((int16_t)p.first).i16((int16_t)p.second);
+    return b;
+}
+
+Bytes Points32(std::initializer_list<std::pair<int, int>> points) {
+    Bytes b;
+    for (const auto& p : points) b.i32(p.first).i32(p.second);
+    return b;
+}
+
+// --- EMF -----------------------------------------------------------------------------------
+
+// 1024 x 768 device units over 320 x 240 mm: 3.2 units per mm, so a frame of 31.25 mm
+// (3125 hundredths) gives a 100 x 100 picture over bounds 0, 0, 100, 100.
+Emf::Emf()
+    : m_bounds{0, 0, 100, 100},
+      m_frame{0, 0, 3125, 3125},
+      m_device{1024, 768},
+      m_mm{320, 240},
+      m_recordCount(-1),
+      m_records(0) {}
+
+Emf& Emf::bounds(int32_t l, int32_t t, int32_t r, int32_t b) {
+    m_bounds[0] = l, m_bounds[1] = t, m_bounds[2] = r, m_bounds[3] = b;
+    return *this;
+}
+
+Emf& Emf::frame(int32_t l, int32_t t, int32_t r, int32_t b) {
+    m_frame[0] = l, m_frame[1] = t, m_frame[2] = r, m_frame[3] = b;
+    return *this;
+}
+
+Emf& Emf::device(int32_t cx, int32_t cy) {
+    m_device[0] = cx, m_device[1] = cy;
+    return *this;
+}
+
+Emf& Emf::millimeters(int32_t cx, int32_t cy) {
+    m_mm[0] = cx, m_mm[1] = cy;
+    return *this;
+}
+
+Emf& Emf::recordCount(uint32_t n) {
+    m_recordCount = n;
+    return *this;
+}
+
+Emf& Emf::record(uint32_t type, const Bytes& payload) {
+    return recordWithSize(type, (uint32_t)(8 + payload.size()), payload);
+}
+
+Emf& Emf::recordWithSize(uint32_t type, uint32_t size, const Bytes& payload) {
+    m_body.u32(type).u32(size).append(payload);
+    ++m_records;
+    return *this;
+}
+
+QByteArray Emf::build(bool eof, bool swapped) const {
+    Bytes body = m_body;
+    int records = m_records;
+    if (eof) {
+        body.u32(EMR_EOF).u32(20).u32(0).u32(16).u32(20);
+        ++records;
+    }
+    const uint32_t total = 88 + (uint32_t)body.size();
+    Bytes header;
+    header.u32(EMR_HEADER).u32(88);
+    for (int32_t v : m_bounds) header.i32(v);
+    for (int32_t v : m_frame) header.i32(v);
+    header.u32(0x464D4520).u32(0x10000).u32(total);
+    header.u32(m_recordCount >= 0 ? (uint32_t)m_recordCount : (uint32_t)(records + 1));
+    header.u16(0).u16(0).u32(0).u32(0).u32(0);
+    header.i32(m_device[0]).i32(m_device[1]).i32(m_mm[0]).i32(m_mm[1]);
+    header.append(body);
+    return header.toByteArray(swapped);
+}
+
+// --- WMF -----------------------------------------------------------------------------------
+
+Wmf& Wmf::placeable(int16_t l, int16_t t, int16_t r, int16_t b, uint16_t inch) {
+    m_placeable = true;
+    m_box[0] = l, m_box[1] = t, m_box[2] = r, m_box[3] = b;
+    m_inch = inch;
+    return *this;
+}
+
+Wmf& Wmf::maxRecord(uint32_t words) {
+    m_maxRecord = words;
+    return *this;
+}
+
+Wmf& Wmf::record(uint16_t function, const Bytes& params) {
+    return recordWithSize(function, (uint32_t)(3 + params.size() / 2 + params.size() % 2), params);
+}
+
+Wmf& Wmf::recordWithSize(uint16_t function, uint32_t words, const Bytes& params) {
+    m_body.u32(words).u16(function).append(params);
+    if (params.size() % 2) m_body.u8(0);
+    m_largest = std::max(m_largest, words);
+    return *this;
+}
+
+QByteArray Wmf::build(bool eof, bool swapped) const {
+    Bytes body = m_body;
+    if (eof) body.u32(3).u16(META_EOF);
+    Bytes file;
+    if (m_placeable) {
+        file.u32(0x9AC6CDD7).u16(0);
+        for (int16_t v : m_box) file.i16(v);
+        file.u16(m_inch).u32(0).u16(0);
+    }
+    const uint32_t words = (uint32_t)(18 + body.size()) / 2;
+    file.u16(1).u16(9).u16(0x0300).u32(words).u16(0);
+    file.u32(m_maxRecord >= 0 ? (uint32_t)m_maxRecord : m_largest).u16(0);
+    file.append(body);
+    return file.toByteArray(swapped);
+}
+
+}  // namespace mfb

@@ -1,0 +1,178 @@
+// Builds EMF and WMF byte streams record by record, for tests, fuzz seeds and examples.
+//
+//     QByteArray emf = mfb::Emf().bounds(0, 0, 100, 50)
+//                          .record(mfb::EMR_MOVETOEX, mfb::Bytes().i32(10).i32(20))
+//                          .build();
+//     QByteArray wmf = mfb::Wmf().placeable(0, 0, 2880, 1440, 1440)
+//                          .record(0x0213, mfb::Bytes().i16(20).i16(10))
+//                          .build();
+//
+// Every multi-byte field is remembered with its width, so build(true) can write the same
+// metafile with each field's bytes reversed: what a little-endian file looks like to a
+// big-endian host, for running the byte-order normalisers.
+#ifndef SVGMODULE_TESTS_METAFILEBUILDER_H
+#define SVGMODULE_TESTS_METAFILEBUILDER_H
+
+#include <QByteArray>
+#include <QString>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+namespace mfb {
+
+// EMF record types used by the tests.
+enum EmfType : uint32_t {
+    EMR_HEADER = 1,
+    EMR_POLYBEZIER = 2,
+    EMR_POLYGON = 3,
+    EMR_POLYLINE = 4,
+    EMR_POLYBEZIERTO = 5,
+    EMR_POLYLINETO = 6,
+    EMR_POLYPOLYLINE = 7,
+    EMR_POLYPOLYGON = 8,
+    EMR_SETWINDOWEXTEX = 9,
+    EMR_SETWINDOWORGEX = 10,
+    EMR_SETVIEWPORTEXTEX = 11,
+    EMR_SETVIEWPORTORGEX = 12,
+    EMR_EOF = 14,
+    EMR_SETMAPMODE = 17,
+    EMR_SETBKMODE = 18,
+    EMR_SETROP2 = 20,
+    EMR_SETTEXTALIGN = 22,
+    EMR_SETTEXTCOLOR = 24,
+    EMR_SETBKCOLOR = 25,
+    EMR_MOVETOEX = 27,
+    EMR_SETWORLDTRANSFORM = 35,
+    EMR_MODIFYWORLDTRANSFORM = 36,
+    EMR_SELECTOBJECT = 37,
+    EMR_CREATEPEN = 38,
+    EMR_CREATEBRUSHINDIRECT = 39,
+    EMR_DELETEOBJECT = 40,
+    EMR_LINETO = 54,
+    EMR_BEGINPATH = 59,
+    EMR_ENDPATH = 60,
+    EMR_CLOSEFIGURE = 61,
+    EMR_FILLPATH = 62,
+    EMR_STROKEPATH = 64,
+    EMR_ABORTPATH = 68,
+    EMR_EXTCREATEFONTINDIRECTW = 82,
+    EMR_POLYBEZIER16 = 85,
+    EMR_POLYGON16 = 86,
+    EMR_POLYLINE16 = 87,
+    EMR_POLYBEZIERTO16 = 88,
+    EMR_POLYLINETO16 = 89,
+    EMR_POLYPOLYLINE16 = 90,
+    EMR_POLYPOLYGON16 = 91,
+    EMR_POLYDRAW16 = 92,
+    EMR_CREATEMONOBRUSH = 93,
+    EMR_EXTCREATEPEN = 95,
+};
+
+// WMF function numbers used by the tests.
+enum WmfFunction : uint16_t {
+    META_EOF = 0x0000,
+    META_SETBKMODE = 0x0102,
+    META_SETMAPMODE = 0x0103,
+    META_SELECTOBJECT = 0x012D,
+    META_SETTEXTALIGN = 0x012E,
+    META_DELETEOBJECT = 0x01F0,
+    META_SETBKCOLOR = 0x0201,
+    META_SETWINDOWORG = 0x020B,
+    META_SETWINDOWEXT = 0x020C,
+    META_LINETO = 0x0213,
+    META_MOVETO = 0x0214,
+    META_CREATEPENINDIRECT = 0x02FA,
+    META_CREATEFONTINDIRECT = 0x02FB,
+    META_CREATEBRUSHINDIRECT = 0x02FC,
+    META_POLYGON = 0x0324,
+    META_POLYLINE = 0x0325,
+    META_ELLIPSE = 0x0418,
+    META_RECTANGLE = 0x041B,
+    META_POLYPOLYGON = 0x0538,
+    META_PATBLT = 0x061D,
+    META_ARC = 0x0817,
+    META_CREATEBITMAP = 0x06FE,
+};
+
+// A run of little-endian fields.
+class Bytes {
+  public:
+    Bytes& u8(uint8_t v);
+    Bytes& u16(uint16_t v) { return put(v, 2); }
+    Bytes& i16(int16_t v) { return put((uint16_t)v, 2); }
+    Bytes& u32(uint32_t v) { return put(v, 4); }
+    Bytes& i32(int32_t v) { return put((uint32_t)v, 4); }
+    Bytes& f32(float v);
+    // `units` UTF-16 code units of `text`, NUL-padded (or cut) to that length.
+    Bytes& utf16(const QString& text, int units);
+    // `count` bytes of `text`, NUL-padded (or cut) to that length.
+    Bytes& latin1(const QByteArray& text, int count);
+    Bytes& zeros(int count);
+    Bytes& append(const Bytes& other);
+
+    int size() const { return (int)m_data.size(); }
+    const std::vector<uint8_t>& data() const { return m_data; }
+    // The bytes, with every multi-byte field reversed when `swapped`.
+    QByteArray toByteArray(bool swapped = false) const;
+
+  private:
+    Bytes& put(uint32_t v, int width);
+
+    std::vector<uint8_t> m_data;
+    std::vector<std::pair<int, int>> m_fields;  // offset, width of multi-byte fields
+};
+
+class Emf {
+  public:
+    Emf();
+    Emf& bounds(int32_t l, int32_t t, int32_t r, int32_t b);
+    Emf& frame(int32_t l, int32_t t, int32_t r, int32_t b);
+    Emf& device(int32_t cx, int32_t cy);
+    Emf& millimeters(int32_t cx, int32_t cy);
+    // Forces the header's nRecords (otherwise: the records plus header and EOF).
+    Emf& recordCount(uint32_t n);
+    // A record: 8-byte header (type, size = 8 + payload) then the payload.
+    Emf& record(uint32_t type, const Bytes& payload);
+    // A record whose size field says `size` whatever the payload holds.
+    Emf& recordWithSize(uint32_t type, uint32_t size, const Bytes& payload);
+    // The file; `eof` appends EMR_EOF; `swapped` reverses every multi-byte field.
+    QByteArray build(bool eof = true, bool swapped = false) const;
+
+  private:
+    int32_t m_bounds[4];
+    int32_t m_frame[4];
+    int32_t m_device[2];
+    int32_t m_mm[2];
+    int64_t m_recordCount;
+    int m_records;
+    Bytes m_body;
+};
+
+class Wmf {
+  public:
+    // A placeable header with this bounding box and Inch.
+    Wmf& placeable(int16_t l, int16_t t, int16_t r, int16_t b, uint16_t inch);
+    Wmf& maxRecord(uint32_t words);
+    // A record: rdSize (words), rdFunction, then the parameters.
+    Wmf& record(uint16_t function, const Bytes& params);
+    // A record whose rdSize says `words` whatever the parameters hold.
+    Wmf& recordWithSize(uint16_t function, uint32_t words, const Bytes& params);
+    QByteArray build(bool eof = true, bool swapped = false) const;
+
+  private:
+    bool m_placeable = false;
+    int16_t m_box[4] = {0, 0, 0, 0};
+    uint16_t m_inch = 0;
+    int64_t m_maxRecord = -1;
+    uint32_t m_largest = 3;
+    Bytes m_body;
+};
+
+// Common payloads.
+Bytes Points16(std::initializer_list<std::pair<int, int>> points);
+Bytes Points32(std::initializer_list<std::pair<int, int>> points);
+
+}  // namespace mfb
+
+#endif

@@ -1,0 +1,48 @@
+// Shared helpers for the unit tests.
+#ifndef SVGMODULE_TESTS_TESTUTIL_H
+#define SVGMODULE_TESTS_TESTUTIL_H
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+#include <string>
+#include <vector>
+
+#include "CLogSystem.h"
+
+namespace testutil {
+
+struct Result {
+    int status;
+    QString svg;
+};
+
+// Converts through the exported, format-detecting entry point.
+Result Convert(const QByteArray& metafile);
+
+// The document header line for a picture of width x height, line feed included.
+QString Header(int width, int height);
+// What a document of that size with `body` between header and footer reads.
+QString Document(int width, int height, const QString& body);
+// The text between the header line and the closing "</svg>\n".
+QString Body(const QString& svg);
+
+// Collects the system-log lines while it lives, at the given level.
+class LogCapture {
+  public:
+    explicit LogCapture(const std::string& level = "WARN");
+    ~LogCapture();
+    const std::vector<std::pair<basic_logging::Level, std::string>>& lines() const;
+    // Lines of one level.
+    std::vector<std::string> at(basic_logging::Level level) const;
+
+  private:
+    std::string m_oldLevel;
+};
+
+// Files of the shared corpus under `folder` ("emf", "wmf", ...); empty when it is absent.
+QStringList CorpusFiles(const QString& folder);
+
+}  // namespace testutil
+
+#endif

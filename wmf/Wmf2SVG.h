@@ -1,0 +1,86 @@
+// WMF2SVGConverter: the WMF record interpreter with its handle table.
+//
+// The entry point checks the headers, calls InitializeCoordinates, then ConvertWMFToSVG with
+// the first record, and collects the text with GetOutSVG. Handlers receive a private,
+// zero-padded copy of their record (records::kRecordPadding zero bytes follow it).
+#ifndef SVGMODULE_WMF2SVG_H
+#define SVGMODULE_WMF2SVG_H
+
+#include <QString>
+#include <map>
+
+#include "MetafileStructs.h"
+#include "api/Logger.h"
+#include "byteorder/RecordReader.h"
+#include "svg/SVGWriter.h"
+
+class WMF2SVGConverter {
+  public:
+    typedef int (WMF2SVGConverter::*Handler)(unsigned char* record, unsigned int size);
+
+    static const unsigned int kNameTableSize = 4000;
+
+    // One slot of the WMF object table.
+    struct tagHandle {
+        uint16_t slot;
+        uint8_t free;
+    };
+
+    WMF2SVGConverter();
+    ~WMF2SVGConverter();
+    WMF2SVGConverter(const WMF2SVGConverter&) = delete;
+    WMF2SVGConverter& operator=(const WMF2SVGConverter&) = delete;
+
+    // `records` is the first record after the headers; `total` the file's byte count with the
+    // headers; `maxRecord` the header's largest record size in words. Returns 2, 0 (null
+    // records) or -1 (exception during the walk).
+    int ConvertWMFToSVG(unsigned char* records, unsigned long total, unsigned long maxRecord,
+                        CLogger& log);
+    int HandleWMFRecordData(unsigned char* record, unsigned int size, CLogger& log);
+    void InitWMFRecHandlers();
+    void InitWMFText();
+    QString GetOutSVG();
+
+    const char* RecordName(unsigned int function) const {
+        return function < kNameTableSize ? m_recordNames[function] : nullptr;
+    }
+
+    // Coordinates.
+    int InitializeCoordinates(int placeable, _PlaceableMetaHeader header);
+    short MapX(short x);
+    short MapY(short y);
+
+    // Bytes of headers in front of the first record.
+    unsigned long HeaderBytes() const { return m_placeable ? 40 : 18; }
+
+    CMySVGWriter& Writer() { return m_writer; }
+
+  private:
+    void WalkRecords(unsigned char* records, unsigned long total, unsigned long maxRecord,
+                     CLogger& log);
+
+    int OnMetaSetWinOrg(unsigned char* record, unsigned int size);
+    int OnMetaSetWinExt(unsigned char* record, unsigned int size);
+    int OnMetaSetMapMode(unsigned char* record, unsigned int size);
+
+    std::map<unsigned int, Handler> m_handlers;
+    std::map<int, tagHandle> m_handles;
+    const char* m_recordNames[kNameTableSize];
+    CMySVGWriter m_writer;
+    records::RecordBuffer m_recordCopy;
+
+    // Coordinate state.
+    int16_t m_picWidth;
+    int16_t m_winExtX;
+    int16_t m_winOrgX;
+    int16_t m_picHeight;
+    int16_t m_winExtY;
+    int16_t m_winOrgY;
+    int16_t m_inch;
+    float m_scale;
+    float m_xFactor;
+    float m_yFactor;
+    int m_placeable;
+};
+
+#endif
