@@ -3,6 +3,7 @@
 #include <QDir>
 #include <mutex>
 
+#include "byteorder/BEndTools.h"
 #include "svgmodule.h"
 
 namespace testutil {
@@ -67,6 +68,9 @@ std::vector<std::string> LogCapture::at(basic_logging::Level level) const {
         if (l.first == level) out.push_back(l.second);
     return out;
 }
+
+ForceBigEndian::ForceBigEndian() { SetByteOrderOverride(true, true); }
+ForceBigEndian::~ForceBigEndian() { SetByteOrderOverride(false, false); }
 
 QStringList CorpusFiles(const QString& folder) {
     QDir dir(QStringLiteral(SVGMODULE_CORPUS_DIR) + QLatin1Char('/') + folder);

@@ -40,6 +40,14 @@ class LogCapture {
     std::string m_oldLevel;
 };
 
+// While it lives, the byte-order test answers "big-endian": a metafile built with
+// build(..., swapped = true) then reads as a little-endian file does on a big-endian host.
+class ForceBigEndian {
+public:
+    ForceBigEndian();
+    ~ForceBigEndian();
+};
+
 // Files of the shared corpus under `folder` ("emf", "wmf", ...); empty when it is absent.
 QStringList CorpusFiles(const QString& folder);
 

@@ -19,3 +19,10 @@ TEST(EntryPoints, EmptyWmfIsHeaderAndFooter) {
     EXPECT_EQ(r.status, 2);
     EXPECT_EQ(r.svg, Document(1024, 768, QString()));
 }
+
+TEST(EntryPoints, SwappedFilesConvertAlikeOnABigEndianHost) {
+    testutil::ForceBigEndian bigEndian;
+    EXPECT_EQ(Convert(mfb::Emf().build(true, true)).svg, Document(100, 100, QString()));
+    EXPECT_EQ(Convert(mfb::Wmf().placeable(0, 0, 2880, 1440, 1440).build(true, true)).svg,
+              Document(192, 96, QString()));
+}
