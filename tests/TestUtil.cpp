@@ -69,8 +69,12 @@ std::vector<std::string> LogCapture::at(basic_logging::Level level) const {
     return out;
 }
 
-ForceBigEndian::ForceBigEndian() { SetByteOrderOverride(true, true); }
-ForceBigEndian::~ForceBigEndian() { SetByteOrderOverride(false, false); }
+ForceBigEndian::ForceBigEndian() {
+    SetByteOrderOverride(true, true);
+}
+ForceBigEndian::~ForceBigEndian() {
+    SetByteOrderOverride(false, false);
+}
 
 QStringList CorpusFiles(const QString& folder) {
     QDir dir(QStringLiteral(SVGMODULE_CORPUS_DIR) + QLatin1Char('/') + folder);

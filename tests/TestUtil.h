@@ -43,7 +43,7 @@ class LogCapture {
 // While it lives, the byte-order test answers "big-endian": a metafile built with
 // build(..., swapped = true) then reads as a little-endian file does on a big-endian host.
 class ForceBigEndian {
-public:
+  public:
     ForceBigEndian();
     ~ForceBigEndian();
 };
