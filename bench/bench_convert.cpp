@@ -1,0 +1,108 @@
+// Conversion speed: the bundled examples, a large synthetic drawing of each format, and every
+// file of the shared corpus as one batch (when present).
+#include <benchmark/benchmark.h>
+
+#include <QDir>
+#include <QFile>
+#include <vector>
+
+#include "CLogSystem.h"
+#include "svgmodule.h"
+#include "tests/ExampleMetafiles.h"
+#include "tests/MetafileBuilder.h"
+
+namespace {
+
+void Run(benchmark::State& state, const QByteArray& file) {
+    int64_t bytes = 0;
+    for (auto _ : state) {
+        QByteArray out;
+        benchmark::DoNotOptimize(ConvertMetaFileToSVG(file, out));
+        bytes += file.size();
+    }
+    state.SetBytesProcessed(bytes);
+}
+
+// Many small polygons and lines: the per-record path of both interpreters.
+QByteArray SyntheticEmf(int records) {
+    mfb::Emf emf;
+    emf.bounds(0, 0, 1000, 1000).frame(0, 0, 31250, 31250);
+    for (int i = 0; i < records; ++i) {
+        const int x = i % 900, y = (i / 900) % 900;
+        emf.record(mfb::EMR_POLYGON16, mfb::Bytes().zeros(16).u32(3).append(
+                                           mfb::Points16({{x, y}, {x + 50, y}, {x, y + 50}})));
+        emf.record(mfb::EMR_LINETO, mfb::Bytes().i32(x).i32(y + 10));
+    }
+    return emf.build();
+}
+
+QByteArray SyntheticWmf(int records) {
+    mfb::Wmf wmf;
+    for (int i = 0; i < records; ++i) {
+        const int x = (i % 900) * 15, y = ((i / 900) % 900) * 15;
+        wmf.record(mfb::META_POLYGON,
+                   mfb::Bytes().u16(3).append(mfb::Points16({{x, y}, {x + 750, y}, {x, y + 750}})));
+        wmf.record(mfb::META_LINETO, mfb::Bytes().i16((int16_t)y).i16((int16_t)x));
+    }
+    return wmf.build();
+}
+
+std::vector<QByteArray> CorpusFiles() {
+    std::vector<QByteArray> files;
+    QDir root(QStringLiteral(SVGMODULE_CORPUS_DIR));
+    for (const QString& folder : root.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        QDir dir(root.filePath(folder));
+        for (const QString& name :
+             dir.entryList({QStringLiteral("*.emf"), QStringLiteral("*.wmf")}, QDir::Files)) {
+            QFile f(dir.filePath(name));
+            if (f.open(QIODevice::ReadOnly)) files.push_back(f.readAll());
+        }
+    }
+    return files;
+}
+
+void BM_ExampleEmf(benchmark::State& state) {
+    Run(state, examples::ExampleEmf());
+}
+void BM_ExampleWmf(benchmark::State& state) {
+    Run(state, examples::ExampleWmf());
+}
+void BM_SyntheticEmf20k(benchmark::State& state) {
+    Run(state, SyntheticEmf(10000));
+}
+void BM_SyntheticWmf20k(benchmark::State& state) {
+    Run(state, SyntheticWmf(10000));
+}
+
+void BM_CorpusBatch(benchmark::State& state) {
+    static const std::vector<QByteArray> files = CorpusFiles();
+    if (files.empty()) {
+        state.SkipWithError("no corpus");
+        return;
+    }
+    int64_t bytes = 0;
+    for (auto _ : state) {
+        for (const QByteArray& f : files) {
+            QByteArray out;
+            benchmark::DoNotOptimize(ConvertMetaFileToSVG(f, out));
+            bytes += f.size();
+        }
+    }
+    state.SetBytesProcessed(bytes);
+    state.counters["files"] = (double)files.size();
+}
+
+}  // namespace
+
+BENCHMARK(BM_ExampleEmf);
+BENCHMARK(BM_ExampleWmf);
+BENCHMARK(BM_SyntheticEmf20k)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SyntheticWmf20k)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_CorpusBatch)->Unit(benchmark::kMillisecond);
+
+int main(int argc, char** argv) {
+    CLogSystem::theRootInstance->setLevel("OFF");
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
