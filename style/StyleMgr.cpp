@@ -83,6 +83,9 @@ void RemoveStrokeAttribute(QString& s) {
 
 }  // namespace
 
+// Out-of-line definition so the constant can be bound to references.
+const int CStyleManager::kPatternMade;
+
 CStyleManager::CStyleManager()
     : m_patternCounter(0),
       m_penStyle(QStringLiteral("stroke=\"none\" stroke-width=\"1\" ")),

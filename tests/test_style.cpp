@@ -346,3 +346,85 @@ TEST(StyleColours, TextAndBackgroundColours) {
     EXPECT_EQ(sm.GetBkgMode(), 2.0f);
     EXPECT_EQ(sm.GetCurrTextStyle(), "   fill=\"#112233\" ");
 }
+
+TEST(StyleHatch, FirstHorizontalPatternExactly) {
+    CStyleManager sm;
+    EXPECT_EQ(sm.EmfCreateBrush(7, 2, 0, 0x000000FF), CStyleManager::kPatternMade);
+    EXPECT_EQ(sm.GetPatternDef(7),
+              "<defs> \t\t<polygon id=\"BACKGROUND\" fill=\"none\" stroke=\"white\" "
+              "points=\"0 0, 8 0, 8 8, 0 8, 0 0\" /> \t\t<path id=\"HATCH_HORIZONTAL\" "
+              "stroke-width=\"1.0\" fill=\"#000000\" stroke=\"#ff0000\" fill-opacity=\"1.0\" "
+              "d=\"m0,8 l8,0\" /> \t\t<pattern id=\"BRUSH_1\" width=\"8\" height=\"8\" "
+              "patternUnits=\"userSpaceOnUse\" > \t\t<g><g><use x=\"0\" y=\"0\" "
+              "xlink:href=\"#BACKGROUND\" /><use x=\"0\" y=\"0\" xlink:href=\"#HATCH_HORIZONTAL\"/>"
+              " \t\t</g></g></pattern></defs>\n");
+    sm.EmfSelectObject(7);
+    EXPECT_EQ(sm.GetCurrBrushStyle(),
+              "\"  fill=\"url(#BRUSH_1)\" \n stroke=\"none\" stroke-width=\"0\" ");
+    EXPECT_EQ(sm.EmfGetBrush(7), "=\"url(#BRUSH_1)\" \n");
+}
+
+TEST(StyleHatch, EachStyleHasItsShape) {
+    const struct {
+        unsigned int hatch;
+        const char* start;       // <defs> and its separator
+        const char* background;  // stroke of the background square
+        const char* id;
+        const char* fill;  // fill of the hatch path
+        const char* data;
+    } cases[] = {
+        {0, "<defs> \t\t<polygon", "white", "HORIZONTAL", "#000000", "m0,8 l8,0"},
+        {1, "<defs> \t\t<polygon", "none", "VERTICAL", "#000000", "m4,0 l0,8"},
+        {2, "<defs> \t\t<polygon", "white", "FDIAGONAL", "#000000", "m0,0 l8,8"},
+        {3, "<defs> \t\t<polygon", "white", "BDIAGONAL", "#000000", "m0,8 l8,-8"},
+        {4, "<defs> \t\t<polygon", "white", "CROSS", "#000000", "m8,0 l0,16 m-8,-8 l16,0"},
+        {5, "<defs>\t\t<polygon", "white", "DICROSS", "white", "m0,0 l8,8 m-8,0 l8,-8"},
+    };
+    for (const auto& c : cases) {
+        CStyleManager sm;
+        sm.SetBkgColor(0x00102030);
+        sm.EmfCreateBrush(1, 2, c.hatch, 0x00FF00);
+        const QString def = sm.GetPatternDef(1);
+        const QString id = QString("HATCH_") + c.id;
+        EXPECT_TRUE(def.startsWith(c.start)) << c.hatch;
+        EXPECT_TRUE(
+            def.contains(QString("fill=\"#302010\" stroke=\"") + c.background + "\" points="))
+            << c.hatch;
+        EXPECT_TRUE(def.contains("<path id=\"" + id + "\" stroke-width=\"1.0\" fill=\"" + c.fill +
+                                 "\" stroke=\"#00ff00\" fill-opacity=\"1.0\" d=\"" + c.data +
+                                 "\" /> \t\t<pattern id=\"BRUSH_1\" "))
+            << c.hatch;
+        EXPECT_TRUE(def.endsWith("xlink:href=\"#" + id + "\"/> \t\t</g></g></pattern></defs>\n"))
+            << c.hatch;
+        EXPECT_FALSE(def.contains('%')) << c.hatch;
+    }
+}
+
+TEST(StyleHatch, PatternNumbering) {
+    CStyleManager sm;
+    sm.EmfCreateBrush(9, 2, 1, 0);
+    sm.EmfCreateBrush(4, 0, 0, 0xFF);  // solid brushes take no number
+    sm.EmfCreateBrush(3, 2, 5, 0);
+    EXPECT_TRUE(sm.GetPatternDef(9).contains("id=\"BRUSH_1\""));
+    EXPECT_TRUE(sm.GetPatternDef(3).contains("id=\"BRUSH_2\""));
+    EXPECT_EQ(sm.GetPatternDef(4), "");
+
+    // The background colour is taken when the brush is made.
+    sm.SetBkgColor(0xFFFFFF);
+    sm.EmfCreateBrush(9, 2, 2, 0);
+    EXPECT_TRUE(sm.GetPatternDef(9).contains("id=\"BRUSH_3\""));
+    EXPECT_TRUE(sm.GetPatternDef(9).contains("fill=\"#ffffff\""));
+    EXPECT_TRUE(sm.GetPatternDef(3).contains("fill=\"none\""));
+
+    // A hatch without a template defines nothing and names the latest number.
+    EXPECT_EQ(sm.EmfCreateBrush(12, 2, 6, 0), CStyleManager::kPatternMade);
+    EXPECT_EQ(sm.GetPatternDef(12), "");
+    EXPECT_EQ(sm.EmfGetBrush(12), "=\"url(#BRUSH_3)\" \n");
+    sm.EmfCreateBrush(13, 2, 0, 0);
+    EXPECT_TRUE(sm.GetPatternDef(13).contains("id=\"BRUSH_4\""));
+
+    CStyleManager fresh;
+    fresh.EmfCreateBrush(1, 2, 0xFFFFFFFF, 0);
+    EXPECT_EQ(fresh.EmfGetBrush(1), "=\"url(#BRUSH_0)\" \n");
+    EXPECT_EQ(fresh.GetPatternDef(1), "");
+}
