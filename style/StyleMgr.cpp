@@ -14,6 +14,7 @@
 
 namespace {
 
+const unsigned int kStockNullPen = 0x80000008;
 const unsigned int kStockDeviceDefaultFont = 0x8000000E;
 const int kFontDefaultDescent = 3;
 const int kFaceNameLength = 32;
@@ -50,7 +51,6 @@ const char* StockBrushText(unsigned int handle) {
             return nullptr;
     }
 }
-const unsigned int kStockNullPen = 0x80000008;
 
 QString EmfFaceName(const tagLOGFONTW& lf) {
     QString name;
