@@ -26,13 +26,13 @@ tagLOGFONTW LogFont(const char* face, int height, int weight, int escapement = 0
     return lf;
 }
 
-FONTSPEC FontSpec(const char* face, int16_t height, int16_t weight) {
-    FONTSPEC spec;
-    std::memset(&spec, 0, sizeof spec);
-    spec.Height = height;
-    spec.Weight = weight;
-    std::strncpy(spec.Facename, face, sizeof spec.Facename);
-    return spec;
+FONTSPEC WmfFont(const char* face, int16_t height, int16_t weight) {
+    FONTSPEC wmfFont;
+    std::memset(&wmfFont, 0, sizeof wmfFont);
+    wmfFont.Height = height;
+    wmfFont.Weight = weight;
+    std::strncpy(wmfFont.Facename, face, sizeof wmfFont.Facename);
+    return wmfFont;
 }
 
 // The pen text a fresh manager stores for a pen, seen through the pen style.
@@ -266,11 +266,11 @@ TEST(StyleFonts, SelectionCopiesMetrics) {
 TEST(StyleFonts, WmfFonts) {
     CStyleManager sm;
     sm.EmfCreateFont(1, LogFont("Emf", 10, 0, 450));
-    FONTSPEC spec = FontSpec("Caf\xe9", -12, -1);
-    spec.Italic = 1;
-    spec.Underline = 1;
-    spec.StrikeOut = 1;
-    EXPECT_EQ(sm.MetaCreateFont(2, spec), 0);
+    FONTSPEC wmfFont = WmfFont("Caf\xe9", -12, -1);
+    wmfFont.Italic = 1;
+    wmfFont.Underline = 1;
+    wmfFont.StrikeOut = 1;
+    EXPECT_EQ(sm.MetaCreateFont(2, wmfFont), 0);
     EXPECT_EQ(sm.GetEscapement(), -45);
     sm.EmfSelectObject(2);
     EXPECT_EQ(sm.GetCurrTextStyle(),
@@ -284,9 +284,9 @@ TEST(StyleFonts, WmfFonts) {
     EXPECT_EQ(sm.GetCurrentFontFamily(), "Emf");
 
     CStyleManager unnamed;
-    FONTSPEC full = FontSpec("", 9, 0);
+    FONTSPEC full = WmfFont("", 9, 0);
     std::memset(full.Facename, 'x', sizeof full.Facename);  // no NUL in the field
-    unnamed.MetaCreateFont(3, FontSpec("", 9, 0));
+    unnamed.MetaCreateFont(3, WmfFont("", 9, 0));
     unnamed.MetaCreateFont(4, full);
     EXPECT_EQ(unnamed.SetTextColor(0x00FF00), "#00ff00");
     unnamed.EmfSelectObject(3);
