@@ -40,7 +40,7 @@ class CStyleManager {
     int EmfCreateBrush(unsigned int handle, unsigned int style, unsigned int hatch,
                        unsigned int colour);
     int EmfCreateFont(unsigned int handle, tagLOGFONTW lf);
-    int MetaCreateFont(unsigned int handle, FONTSPEC spec);
+    int MetaCreateFont(unsigned int handle, FONTSPEC wmfFont);
     int EmfSelectObject(unsigned long handle);
     int EmfDeleteObject(unsigned int handle);
     QString EmfGetBrush(unsigned int handle);
@@ -77,7 +77,19 @@ class CStyleManager {
     bool GetCurrentFontItalic();
 
   private:
+    // Merges pen, brush and clip texts into the current style.
     void RebuildCurrentStyle();
+    // Applies a selected stock object; unknown handles change nothing.
+    void SelectStockObject(unsigned int handle);
+    // Makes the font under `key` the selected one, metrics included.
+    void SelectFont(int key, const QString& text);
+
+    // Attribute texts of created objects.
+    QString PenText(unsigned int style, unsigned int width, unsigned int colour,
+                    const unsigned int* entries, unsigned int count);
+    QString SolidBrushText(unsigned int colour);
+    static QString EmfFontText(const QString& family, const tagLOGFONTW& lf);
+    static QString WmfFontText(const QString& family, const FONTSPEC& wmfFont);
 
     int m_patternCounter;
     QString m_penStyle;
