@@ -90,6 +90,9 @@ class CMySVGWriter {
     CStyleManager& StyleManager() { return m_styleMgr; }
 
   private:
+    // Unit tests set the clip flag that clip-path selection sets in a conversion.
+    friend class WriterTestPeer;
+
     const QString& EffectiveStyle(const QString& style) const {
         return style.isEmpty() ? m_currStyle : style;
     }
