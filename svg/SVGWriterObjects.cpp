@@ -67,14 +67,16 @@ bool CMySVGWriter::DeleteObject(unsigned int handle) {
     TRACE_RETURN(true);
 }
 
-// A geometric pen's width is mapped like the x coordinate of a point, translation included.
-// The result is cut toward zero in 32 bits; a width that maps negative keeps its bit pattern.
+// A geometric pen's width is mapped like the x coordinate of a point, translation included,
+// and cut toward zero. A mirroring transform maps widths negative; the stroke keeps the
+// magnitude.
 bool CMySVGWriter::CreatePen(unsigned int handle, unsigned int style, unsigned int width,
                              unsigned int colour, const unsigned int* entries, unsigned int count) {
     TRACE_ENTER();
     if (style & kPsGeometric) {
         const float mapped = static_cast<float>(width) * m_xform.eM11 + m_xform.eDx;
-        width = static_cast<unsigned int>(numeric::TruncToInt(mapped));
+        const int64_t mappedWidth = numeric::TruncToInt(mapped);
+        width = static_cast<unsigned int>(mappedWidth < 0 ? -mappedWidth : mappedWidth);
     }
     m_styleMgr.EmfCreatePen(handle, style, width, colour, entries, count);
     TRACE_RETURN(true);
