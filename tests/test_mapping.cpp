@@ -1,6 +1,9 @@
 // Coordinate mapping of both interpreters, driven by their mapping records.
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstring>
+
 #include "api/Logger.h"
 #include "emf/Emf2SVG.h"
 #include "tests/MetafileBuilder.h"
