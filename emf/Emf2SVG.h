@@ -57,6 +57,7 @@ class Emf2SvgConverter {
     // Walks the records after the header; returns false when an exception ended the walk.
     void WalkRecords(unsigned char* data, const tagENHMETAHEADER& header, CLogger& log);
     int MapLength(float v);
+    int MapAxis(int v, float divisor, int32_t windowOrg, int origin, int withOrigin);
 
     // Mapping state (EMR_SETMAPMODE, window and viewport records, world transform).
     int OnSetMapMode(unsigned char* record, unsigned int size);

@@ -20,24 +20,26 @@ int Emf2SvgConverter::MapLength(float v) {
     return numeric::TruncToInt(std::trunc((double)v - t + 0.5) + t);
 }
 
+// One axis: divide, then (for positions) subtract the window and picture origins in output
+// units and truncate; lengths round half up.
+int Emf2SvgConverter::MapAxis(int v, float divisor, int32_t windowOrg, int origin, int withOrigin) {
+    float r = (float)((double)v / divisor);
+    if (!withOrigin) return MapLength(r);
+    r = (float)((double)r - windowOrg);
+    r = (float)((double)r - origin);
+    return numeric::TruncToInt(r);
+}
+
 int Emf2SvgConverter::MapX(int x, int withOrigin) {
     TRACE_ENTER();
     const float divisor = m_anisotropic ? m_frameScaleX : m_vpScaleX;
-    float v = (float)((double)x / divisor);
-    if (!withOrigin) TRACE_RETURN(MapLength(v));
-    v = (float)((double)v - m_windowOrgX);
-    v = (float)((double)v - m_originX);
-    TRACE_RETURN(numeric::TruncToInt(v));
+    TRACE_RETURN(MapAxis(x, divisor, m_windowOrgX, m_originX, withOrigin));
 }
 
 int Emf2SvgConverter::MapY(int y, int withOrigin) {
     TRACE_ENTER();
     const float divisor = m_anisotropic ? m_frameScaleY : m_vpScaleY;
-    float v = (float)((double)y / divisor);
-    if (!withOrigin) TRACE_RETURN(MapLength(v));
-    v = (float)((double)v - m_windowOrgY);
-    v = (float)((double)v - m_originY);
-    TRACE_RETURN(numeric::TruncToInt(v));
+    TRACE_RETURN(MapAxis(y, divisor, m_windowOrgY, m_originY, withOrigin));
 }
 
 int Emf2SvgConverter::MapPoint(const tagPOINTS& in, tagPOINTS& out) {

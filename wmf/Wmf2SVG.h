@@ -58,6 +58,7 @@ class WMF2SVGConverter {
   private:
     void WalkRecords(unsigned char* records, unsigned long total, unsigned long maxRecord,
                      CLogger& log);
+    short MapAxis(short v, int16_t windowOrg, float factor) const;
 
     int OnMetaSetWinOrg(unsigned char* record, unsigned int size);
     int OnMetaSetWinExt(unsigned char* record, unsigned int size);

@@ -32,20 +32,23 @@ int WMF2SVGConverter::InitializeCoordinates(int placeable, _PlaceableMetaHeader 
     TRACE_RETURN(1);
 }
 
+// One axis: relative to the window origin in 16 bits, divided by the scale, then (placeable
+// files) stretched by the window-extent factor; each step truncates to 16 bits.
+short WMF2SVGConverter::MapAxis(short v, int16_t windowOrg, float factor) const {
+    const int16_t d = (int16_t)(v - windowOrg);
+    short r = numeric::TruncToShort(d / (double)m_scale);
+    if (m_placeable) r = numeric::TruncToShort(r * (double)factor);
+    return r;
+}
+
 short WMF2SVGConverter::MapX(short x) {
     TRACE_ENTER();
-    const int16_t d = (int16_t)(x - m_winOrgX);
-    short r = numeric::TruncToShort(d / (double)m_scale);
-    if (m_placeable) r = numeric::TruncToShort(r * (double)m_xFactor);
-    TRACE_RETURN(r);
+    TRACE_RETURN(MapAxis(x, m_winOrgX, m_xFactor));
 }
 
 short WMF2SVGConverter::MapY(short y) {
     TRACE_ENTER();
-    const int16_t d = (int16_t)(y - m_winOrgY);
-    short r = numeric::TruncToShort(d / (double)m_scale);
-    if (m_placeable) r = numeric::TruncToShort(r * (double)m_yFactor);
-    TRACE_RETURN(r);
+    TRACE_RETURN(MapAxis(y, m_winOrgY, m_yFactor));
 }
 
 int WMF2SVGConverter::OnMetaSetWinOrg(unsigned char* record, unsigned int size) {
