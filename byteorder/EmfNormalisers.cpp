@@ -2,6 +2,7 @@
 #include "byteorder/EmfNormalisers.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "api/Trace.h"
 #include "byteorder/BEndTools.h"
