@@ -1,13 +1,48 @@
-// Byte-order normalisers of the EMF records (in place; see BEndTools.h for the contract).
+// Byte-order normalisers of the EMF records (see BEndTools.h for the two forms).
+//
+// Normalisers of records with trailing arrays take the record's size in bytes and convert only
+// the elements that lie inside the record, whatever count the record declares.
 #ifndef SVGMODULE_EMFNORMALISERS_H
 #define SVGMODULE_EMFNORMALISERS_H
 
 #include "MetafileStructs.h"
 
+// Mapping state.
 int InitEMRMAPMODE(tagEMRSETMAPMODE& r);
 int InitEMRORIGIN(tagEMRSETVIEWPORTORGEX& r);
 int InitEMREXT(tagEMRSETVIEWPORTEXTEX& r);
 int InitEMRSETWORLDTRANSFORM(tagEMRSETWORLDTRANSFORM& r);
 int InitEMRMODIFYWORLDTRANSFORM(tagEMRMODIFYWORLDTRANSFORM& r);
+
+// Objects embedded in records.
+int InitEMRLOGPEN(tagLOGPEN& p);
+int InitEXTLOGPEN(tagEXTLOGPEN& p);
+int InitLOGBRUSH(tagLOGBRUSH& b);
+int InitLOGFONTW(tagLOGFONTW& f);
+int InitEXTLOGFONTW(tagEXTLOGFONTW& f);
+
+// Object and state records (in place).
+int InitEMRCREATEPEN(tagEMRCREATEPEN& r);
+int InitEMREXTCREATEPEN(tagEMREXTCREATEPEN& r, unsigned int size);
+int InitEMRCREATEBRUSHINDIRECT(tagEMRCREATEBRUSHINDIRECT& r);
+int InitEMREXTCREATEFONTINDIRECTW(tagEMREXTCREATEFONTINDIRECTW& r);
+int InitEMRSELECTOBJECT(tagEMRSELECTOBJECT& r);
+int InitEMRDELETEOBJECT(tagEMRDELETEOBJECT& r);
+int InitEMRSETBKMODE(tagEMRSETBKMODE& r);
+int InitEMRCOLOR(tagEMRSETTEXTCOLOR& r);
+int InitEMRSETTEXTALIGN(tagEMRSETTEXTALIGN& r);
+
+// Line, polygon and Bézier records (in place).
+int InitEMRMOVETO(tagEMRMOVETOEX& r);
+int InitLINETO(tagEMRLINETO& r);
+int InitEMRPOLYGON(tagEMRPOLYGON& r, unsigned int size);
+int InitEMRPOLYGON16(tagEMRPOLYGON16& r, unsigned int size);
+int InitEMRPOLYDRAW16(tagEMRPOLYDRAW16& r, unsigned int size);
+
+// Poly-polygon and poly-polyline records (copying form): `dst` is a record buffer of `size`
+// bytes followed by records::kRecordPadding zero bytes; on a big-endian host it receives the
+// whole record with its fields in host order.
+int InitEMRPOLYPOLYGON(tagEMRPOLYPOLYGON* dst, const unsigned char* src, unsigned int size);
+int InitEMRPOLYPOLYGON16(tagEMRPOLYPOLYGON16* dst, const unsigned char* src, unsigned int size);
 
 #endif

@@ -9,6 +9,7 @@
 
 #include <QRegion>
 #include <QString>
+#include <cstring>
 #include <map>
 
 #include "MetafileStructs.h"
@@ -67,6 +68,75 @@ class Emf2SvgConverter {
     int OnSetViewPortEx(unsigned char* record, unsigned int size);
     int OnSetWorldTransform(unsigned char* record, unsigned int size);
     int OnModifyWorldTransform(unsigned char* record, unsigned int size);
+
+    // True for a record a handler cannot use at all (no copy, or no bytes).
+    static bool IsEmptyRecord(const unsigned char* record, unsigned int size) {
+        return record == nullptr || size == 0;
+    }
+    // A copy of the fixed fields of a record; the record buffer is zero-padded, so the fields
+    // of a short record read as zero.
+    template <class R>
+    static R FixedCopy(const unsigned char* record) {
+        R r;
+        std::memcpy(&r, record, sizeof r);
+        return r;
+    }
+
+    // Objects and drawing state (EmfObjects.cpp).
+    int OnCreatePen(unsigned char* record, unsigned int size);
+    int OnCreatePenEx(unsigned char* record, unsigned int size);
+    int OnCreateBrushIndirect(unsigned char* record, unsigned int size);
+    int OnCreateMonoBrush(unsigned char* record, unsigned int size);
+    int OnExtCreateFontIndirect(unsigned char* record, unsigned int size);
+    int OnSelectObject(unsigned char* record, unsigned int size);
+    int OnDeleteObject(unsigned char* record, unsigned int size);
+    int OnSetBkMode(unsigned char* record, unsigned int size);
+    int OnSetBkColor(unsigned char* record, unsigned int size);
+    int OnSetTextColor(unsigned char* record, unsigned int size);
+    int OnSetTextAlign(unsigned char* record, unsigned int size);
+
+    // Lines, polygons and Béziers (EmfLines.cpp).
+    int OnMoveToEx(unsigned char* record, unsigned int size);
+    int OnLineTo(unsigned char* record, unsigned int size);
+    int OnPolyLine(unsigned char* record, unsigned int size);
+    int OnPolygon(unsigned char* record, unsigned int size);
+    int OnPolyLineTo(unsigned char* record, unsigned int size);
+    int OnPolyPolyLine(unsigned char* record, unsigned int size);
+    int OnPolyPolygon(unsigned char* record, unsigned int size);
+    int OnPolyBezier(unsigned char* record, unsigned int size);
+    int OnPolyBezierTo(unsigned char* record, unsigned int size);
+    int OnPolyLine16(unsigned char* record, unsigned int size);
+    int OnPolygon16(unsigned char* record, unsigned int size);
+    int OnPolyLineTo16(unsigned char* record, unsigned int size);
+    int OnPolyPolyLine16(unsigned char* record, unsigned int size);
+    int OnPolyPolygon16(unsigned char* record, unsigned int size);
+    int OnPolyBezier16(unsigned char* record, unsigned int size);
+    int OnPolyBezierTo16(unsigned char* record, unsigned int size);
+    int OnPolyDraw(unsigned char* record, unsigned int size);
+
+    // The writer call that receives a point list.
+    enum class PolyCall { Polyline, Polygon, PolylineTo, Bezier, BezierTo };
+    // How the points of a list are mapped before the call: not at all, by MapX/MapY with the
+    // origins, or through the world transform first (MapPoint).
+    enum class PointMapping { None, Origin, World };
+    void DrawPointList32(unsigned char* record, unsigned int size, PolyCall call,
+                         PointMapping mapping);
+    void DrawPointList16(unsigned char* record, unsigned int size, PolyCall call,
+                         PointMapping mapping);
+    void DrawPolyLists32(unsigned char* record, unsigned int size, bool closed);
+    void DrawPolyLists16(unsigned char* record, unsigned int size, bool closed);
+    template <class P>
+    void EmitPoints(const P* points, uint32_t count, PolyCall call);
+    void MapInPlace(tagPOINT* points, uint32_t count);
+    void MapInPlace(tagPOINTS* points, uint32_t count);
+
+    // The path bracket (EmfPaths.cpp).
+    int OnBeginPath(unsigned char* record, unsigned int size);
+    int OnEndPath(unsigned char* record, unsigned int size);
+    int OnCloseFigure(unsigned char* record, unsigned int size);
+    int OnFillPath(unsigned char* record, unsigned int size);
+    int OnStrokePath(unsigned char* record, unsigned int size);
+    int OnAbortPath(unsigned char* record, unsigned int size);
 
     std::map<unsigned int, Handler> m_handlers;
     CMySVGWriter m_writer;

@@ -280,6 +280,26 @@ struct tagEMRFILLPATH {
     tagRECT rclBounds;
 };
 
+// Offsets of the trailing arrays of the EMF records above, from the start of the record.
+// Arrays are reached through these offsets and sized against the record's nSize, never
+// through the one-element array members.
+const unsigned int EMR_EXTCREATEPEN_ENTRIES_OFFSET = 52;  // elpStyleEntry
+const unsigned int EMR_POLY_POINTS_OFFSET = 28;           // aptl, apts
+const unsigned int EMR_POLYPOLY_COUNTS_OFFSET = 32;       // aPolyCounts, then the points
+
+static_assert(sizeof(tagEMREXTCREATEPEN) == EMR_EXTCREATEPEN_ENTRIES_OFFSET + 4,
+              "EMR_EXTCREATEPEN layout");
+static_assert(sizeof(tagEMRCREATEPEN) == 28, "EMR_CREATEPEN layout");
+static_assert(sizeof(tagEMRCREATEBRUSHINDIRECT) == 24, "EMR_CREATEBRUSHINDIRECT layout");
+static_assert(sizeof(tagEMREXTCREATEFONTINDIRECTW) == 332, "EMR_EXTCREATEFONTINDIRECTW layout");
+static_assert(sizeof(tagEMRPOLYLINE) == EMR_POLY_POINTS_OFFSET + 8, "EMR_POLYLINE layout");
+static_assert(sizeof(tagEMRPOLYLINE16) == EMR_POLY_POINTS_OFFSET + 4, "EMR_POLYLINE16 layout");
+static_assert(sizeof(tagEMRPOLYDRAW16) == EMR_POLY_POINTS_OFFSET + 4, "EMR_POLYDRAW16 layout");
+static_assert(sizeof(tagEMRPOLYPOLYLINE) == EMR_POLYPOLY_COUNTS_OFFSET + 4,
+              "EMR_POLYPOLYLINE layout");
+static_assert(sizeof(tagEMRPOLYPOLYLINE16) == EMR_POLYPOLY_COUNTS_OFFSET + 4,
+              "EMR_POLYPOLYLINE16 layout");
+
 // --- WMF structures (2-byte packing) -----------------------------------------------------
 #pragma pack(push, 2)
 
