@@ -77,7 +77,19 @@ class CStyleManager {
     bool GetCurrentFontItalic();
 
   private:
+    // Merges pen, brush and clip texts into the current style.
     void RebuildCurrentStyle();
+    // Applies a selected stock object; unknown handles change nothing.
+    void SelectStockObject(unsigned int handle);
+    // Makes the font under `key` the selected one, metrics included.
+    void SelectFont(int key, const QString& text);
+
+    // Attribute texts of created objects.
+    QString PenText(unsigned int style, unsigned int width, unsigned int colour,
+                    const unsigned int* entries, unsigned int count);
+    QString SolidBrushText(unsigned int colour);
+    static QString EmfFontText(const QString& family, const tagLOGFONTW& lf);
+    static QString WmfFontText(const QString& family, const FONTSPEC& spec);
 
     int m_patternCounter;
     QString m_penStyle;

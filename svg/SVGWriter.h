@@ -9,6 +9,7 @@
 
 #include <QString>
 #include <QTextStream>
+#include <vector>
 
 #include "MetafileStructs.h"
 #include "style/StyleMgr.h"
@@ -89,9 +90,26 @@ class CMySVGWriter {
     CStyleManager& StyleManager() { return m_styleMgr; }
 
   private:
+    // Unit tests set the clip flag that clip-path selection sets in a conversion.
+    friend class WriterTestPeer;
+
     const QString& EffectiveStyle(const QString& style) const {
         return style.isEmpty() ? m_currStyle : style;
     }
+    // "x,y" of one point in path and points data.
+    static QString PointText(int x, int y);
+    // The style with one space put in front when it would otherwise run into the attribute
+    // before it (the style manager's default pen text has no leading space).
+    static QString SeparatedStyle(const QString& style);
+    // "C" and the three points of one cubic segment starting at `first`.
+    static QString BezierSegment(const tagPOINT* first);
+    // Appends the path data of the poly-draw point at `index`; returns how many points it took,
+    // 0 when a curve lacks its further points.
+    static unsigned int AppendPolyDrawPoint(QString& data, const tagPOINT* points,
+                                            const unsigned char* types, unsigned int index,
+                                            unsigned int count);
+    // 16-bit point lists sign-extended to 32 bits; empty for a null list.
+    static std::vector<tagPOINT> WidenPoints(const tagPOINTS* points, unsigned int count);
 
     QString m_currStyle;
     QString m_bkColor;

@@ -1,0 +1,91 @@
+// Object and drawing-state records forwarded to the style manager: pens, brushes, fonts,
+// their selection and deletion, text alignment and colours. The writer keeps its cached
+// styles (m_currStyle, m_textFill, m_bkColor) in step with the style manager.
+#define TRACE_FILE "SVGWriter"
+#include "svg/SVGWriter.h"
+
+#include "api/Trace.h"
+#include "geometry/Numeric.h"
+
+namespace {
+
+// Pens with this style bit have a width in world units rather than device units.
+const unsigned int kPsGeometric = 0x00010000;
+
+}  // namespace
+
+bool CMySVGWriter::SetTextAlign(int flags) {
+    TRACE_ENTER();
+    m_textAlign = flags;
+    TRACE_RETURN(true);
+}
+
+bool CMySVGWriter::SetTextColor(unsigned int colour) {
+    TRACE_ENTER();
+    m_styleMgr.SetTextColor(colour);
+    m_textFill = m_styleMgr.GetCurrTextStyle();
+    TRACE_RETURN(true);
+}
+
+bool CMySVGWriter::SetBkgMode(float opacity) {
+    TRACE_ENTER();
+    m_styleMgr.SetBkgMode(opacity);
+    TRACE_RETURN(true);
+}
+
+bool CMySVGWriter::SetBkgColor(unsigned int colour) {
+    TRACE_ENTER();
+    m_bkColor = m_styleMgr.SetBkgColor(colour);
+    TRACE_RETURN(true);
+}
+
+bool CMySVGWriter::CreateFont(unsigned int handle, tagLOGFONTW font) {
+    TRACE_ENTER();
+    m_styleMgr.EmfCreateFont(handle, font);
+    TRACE_RETURN(true);
+}
+
+bool CMySVGWriter::MetaCreateFont(unsigned int handle, FONTSPEC font) {
+    TRACE_ENTER();
+    m_styleMgr.MetaCreateFont(handle, font);
+    TRACE_RETURN(true);
+}
+
+bool CMySVGWriter::SelectObject(unsigned long handle) {
+    TRACE_ENTER();
+    m_styleMgr.EmfSelectObject(handle);
+    m_currStyle = m_styleMgr.GetCurrentStyle();
+    m_textFill = m_styleMgr.GetCurrTextStyle();
+    TRACE_RETURN(true);
+}
+
+// The cached styles keep their values: deleting a selected object does not change what is
+// drawn.
+bool CMySVGWriter::DeleteObject(unsigned int handle) {
+    TRACE_ENTER();
+    m_styleMgr.EmfDeleteObject(handle);
+    TRACE_RETURN(true);
+}
+
+// A geometric pen's width is mapped like the x coordinate of a point, translation included.
+// The result is cut toward zero in 32 bits; a width that maps negative keeps its bit pattern.
+bool CMySVGWriter::CreatePen(unsigned int handle, unsigned int style, unsigned int width,
+                             unsigned int colour, const unsigned int* entries, unsigned int count) {
+    TRACE_ENTER();
+    if (style & kPsGeometric) {
+        const float mapped = static_cast<float>(width) * m_xform.eM11 + m_xform.eDx;
+        width = static_cast<unsigned int>(numeric::TruncToInt(mapped));
+    }
+    m_styleMgr.EmfCreatePen(handle, style, width, colour, entries, count);
+    TRACE_RETURN(true);
+}
+
+// A hatched brush's pattern definition goes into the document when the brush is made, so it
+// precedes every element that refers to it.
+bool CMySVGWriter::CreateBrushI(unsigned int handle, unsigned int style, unsigned int hatch,
+                                unsigned int colour) {
+    TRACE_ENTER();
+    if (m_styleMgr.EmfCreateBrush(handle, style, hatch, colour) == CStyleManager::kPatternMade)
+        m_stream << m_styleMgr.GetPatternDef(handle);
+    TRACE_RETURN(true);
+}
