@@ -21,6 +21,9 @@ using testutil::Body;
 using testutil::Convert;
 using testutil::Document;
 
+// Compares texts as 8-bit strings, so that a failure shows them.
+#define EXPECT_TEXT(actual, expected) EXPECT_EQ((actual).toStdString(), (expected).toStdString())
+
 namespace {
 
 // --- record parameters ---------------------------------------------------------------------
@@ -197,9 +200,9 @@ TEST(WmfObjects, CreationTakesTheLowestFreeSlot) {
         .record(mfb::META_SELECTOBJECT, Index(0))
         .record(mfb::META_LINETO, YX(450, 451));
     const QString gray = PenText(QStringLiteral("#808080"), QStringLiteral("1"));
-    EXPECT_EQ(BodyOf(f), Line(0, 0, 10, 10, PenSelected(QStringLiteral("#0000ff"))) +
-                             Line(10, 10, 20, 20, gray + QStringLiteral(" fill=\"white\"")) +
-                             Line(20, 20, 30, 30, gray + QStringLiteral(" fill=\"#ffff00\"\n")));
+    EXPECT_TEXT(BodyOf(f), Line(0, 0, 10, 10, PenSelected(QStringLiteral("#0000ff"))) +
+                               Line(10, 10, 20, 20, gray + QStringLiteral(" fill=\"white\"")) +
+                               Line(20, 20, 30, 30, gray + QStringLiteral("  fill=\"#ffff00\"\n")));
 }
 
 TEST(WmfObjects, OnlyCreatedObjectsTakeSlots) {
@@ -214,7 +217,7 @@ TEST(WmfObjects, OnlyCreatedObjectsTakeSlots) {
         .record(mfb::META_LINETO, YX(150, 151))
         .record(mfb::META_SELECTOBJECT, Index(0))
         .record(mfb::META_LINETO, YX(300, 301));
-    EXPECT_EQ(BodyOf(palette), Line(0, 0, 10, 10, nothingSelected) + Line(10, 10, 20, 20, red));
+    EXPECT_TEXT(BodyOf(palette), Line(0, 0, 10, 10, nothingSelected) + Line(10, 10, 20, 20, red));
 
     // Deleting a slot that was never created frees nothing: the next object is slot 1.
     Wmf unknownDelete;
@@ -223,7 +226,7 @@ TEST(WmfObjects, OnlyCreatedObjectsTakeSlots) {
         .record(mfb::META_CREATEPENINDIRECT, Pen(0, 15, 0x000000FF))
         .record(mfb::META_SELECTOBJECT, Index(1))
         .record(mfb::META_LINETO, YX(150, 151));
-    EXPECT_EQ(BodyOf(unknownDelete), Line(0, 0, 10, 10, red));
+    EXPECT_TEXT(BodyOf(unknownDelete), Line(0, 0, 10, 10, red));
 }
 
 TEST(WmfObjects, PenWidthsAreDividedByTheScale) {
@@ -239,8 +242,9 @@ TEST(WmfObjects, PenWidthsAreDividedByTheScale) {
         f.record(mfb::META_CREATEPENINDIRECT, Pen(c.style, c.width, 0))
             .record(mfb::META_SELECTOBJECT, Index(0))
             .record(mfb::META_LINETO, YX(150, 151));
-        EXPECT_EQ(BodyOf(f), Line(0, 0, 10, 10,
-                                  PenSelected(QStringLiteral("black"), QLatin1String(c.expected))))
+        EXPECT_TEXT(
+            BodyOf(f),
+            Line(0, 0, 10, 10, PenSelected(QStringLiteral("black"), QLatin1String(c.expected))))
             << "style " << c.style << " width " << c.width;
     }
 }
@@ -260,7 +264,7 @@ TEST(WmfObjects, FontSizesAreDividedByTheUnitsPerInch) {
             .record(mfb::META_SELECTOBJECT, Index(0));
         Conversion run(f.build());
         EXPECT_EQ(run.Style().GetCurrentFontHeight(), c.expected) << "height " << c.height;
-        EXPECT_EQ(run.Style().GetCurrentFontFamily(), QStringLiteral("Arial"));
+        EXPECT_TEXT(run.Style().GetCurrentFontFamily(), QStringLiteral("Arial"));
     }
 }
 
@@ -271,7 +275,7 @@ TEST(WmfObjects, ShortFontRecordReadsNoBytesOfTheNextRecord) {
         .record(mfb::META_SELECTOBJECT, Index(0))
         .record(mfb::META_MOVETO, YX(0x4141, 0x4141));
     Conversion run(f.build());
-    EXPECT_EQ(run.Style().GetCurrentFontFamily(), QStringLiteral("Ar"));
+    EXPECT_TEXT(run.Style().GetCurrentFontFamily(), QStringLiteral("Ar"));
     EXPECT_EQ(run.Style().GetCurrentFontHeight(), 2);
 }
 
@@ -372,7 +376,7 @@ TEST(WmfDrawing, RecordsMapToWriterElements) {
          Path(QStringLiteral(" M0,0  L10,0  L0,10  Z M20,20  L30,20  L30,30  L20,30  Z"))},
         {"arc draws nothing", Wmf().record(mfb::META_ARC, Bytes().zeros(16)), QString()},
     };
-    for (const DrawingCase& c : cases) EXPECT_EQ(BodyOf(c.file), c.body) << c.name;
+    for (const DrawingCase& c : cases) EXPECT_TEXT(BodyOf(c.file), c.body) << c.name;
 }
 
 // Declared counts larger than the record are cut to the points present; the record after a
@@ -406,7 +410,7 @@ TEST(WmfDrawing, CountsAreClippedToTheRecord) {
     for (const DrawingCase& c : cases) {
         Wmf file = c.file;
         file.record(mfb::META_MOVETO, nextRecord);
-        EXPECT_EQ(BodyOf(file), c.body) << c.name;
+        EXPECT_TEXT(BodyOf(file), c.body) << c.name;
     }
 }
 
@@ -425,10 +429,10 @@ TEST(WmfDrawing, PlaceableFileAppliesTheWindowExtent) {
             .record(mfb::META_CREATEPENINDIRECT, Pen(0, 30, 0))
             .record(mfb::META_SELECTOBJECT, Index(0))
             .record(mfb::META_LINETO, YX(2880, 1440));
-        EXPECT_EQ(Convert(f.build()).svg,
-                  Document(192, 96,
-                           Line(0, 0, c.x, c.y,
-                                PenSelected(QStringLiteral("black"), QStringLiteral("2")))))
+        EXPECT_TEXT(Convert(f.build()).svg,
+                    Document(192, 96,
+                             Line(0, 0, c.x, c.y,
+                                  PenSelected(QStringLiteral("black"), QStringLiteral("2")))))
             << "extent " << c.extX << " x " << c.extY;
     }
 }
@@ -468,10 +472,10 @@ TEST(WmfByteOrder, SwappedFileConvertsAlike) {
     testutil::ForceBigEndian bigEndian;
     const auto big = Convert(f.build(true, true));
     EXPECT_EQ(big.status, 2);
-    EXPECT_EQ(big.svg, little.svg);
+    EXPECT_TEXT(big.svg, little.svg);
     Conversion bigRun(f.build(true, true));
     EXPECT_EQ(bigRun.Style().GetCurrentFontHeight(), littleRun.Style().GetCurrentFontHeight());
-    EXPECT_EQ(bigRun.Style().GetCurrentFontFamily(), QStringLiteral("Times"));
+    EXPECT_TEXT(bigRun.Style().GetCurrentFontFamily(), QStringLiteral("Times"));
 }
 
 // --- coordinate mapping --------------------------------------------------------------------------
@@ -527,5 +531,36 @@ TEST(WmfCoordinates, MapXAndMapY) {
         if (c.setExtent) Play(converter, mfb::META_SETWINDOWEXT, YX(c.extX, c.extY));
         EXPECT_EQ(converter.MapX(c.x), c.mappedX) << c.name;
         EXPECT_EQ(converter.MapY(c.y), c.mappedY) << c.name;
+    }
+}
+
+// Records of every short length, filled with 0xFF: counts of 65535 and extreme coordinates
+// must neither read outside the record nor stop the conversion.
+TEST(WmfRobustness, ShortAndSaturatedRecords) {
+    const uint16_t functions[] = {
+        mfb::META_SETBKMODE,
+        mfb::META_SELECTOBJECT,
+        mfb::META_DELETEOBJECT,
+        mfb::META_LINETO,
+        mfb::META_MOVETO,
+        mfb::META_CREATEPENINDIRECT,
+        mfb::META_CREATEFONTINDIRECT,
+        mfb::META_CREATEBRUSHINDIRECT,
+        mfb::META_POLYGON,
+        mfb::META_POLYLINE,
+        mfb::META_ELLIPSE,
+        mfb::META_RECTANGLE,
+        mfb::META_POLYPOLYGON,
+        mfb::META_PATBLT,
+        mfb::META_ARC,
+    };
+    for (uint16_t function : functions) {
+        Wmf f;
+        for (int length = 0; length <= 60; length += 2) {
+            Bytes params;
+            for (int i = 0; i < length / 2; ++i) params.u16(0xFFFF);
+            f.record(function, params);
+        }
+        EXPECT_EQ(Convert(f.build()).status, 2) << "function " << function;
     }
 }
