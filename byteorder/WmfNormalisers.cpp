@@ -26,11 +26,21 @@ uint32_t ReadU32(const unsigned char* src, size_t offset) {
     return LE2BE_DWord(v);
 }
 
-// Reads a 16-bit field of host-order record bytes.
-uint16_t HostU16(const unsigned char* record, size_t offset) {
-    uint16_t v;
-    std::memcpy(&v, record + offset, 2);
+// Reads a 16-bit field of a record of `size` bytes when it lies inside; 0 otherwise.
+uint16_t ReadU16Inside(const unsigned char* src, size_t offset, unsigned int size) {
+    return records::Fits(offset, 2, size) ? ReadU16(src, offset) : 0;
+}
+
+// Reads a 16-bit field of host-order record bytes when it lies inside; 0 otherwise.
+uint16_t HostU16(const unsigned char* record, size_t offset, unsigned int size) {
+    uint16_t v = 0;
+    if (records::Fits(offset, 2, size)) std::memcpy(&v, record + offset, 2);
     return v;
+}
+
+// Converts the record prefix of an array record when the record holds one.
+void ConvertPrefix(void* dst, const unsigned char* src, unsigned int size) {
+    if (records::Fits(0, sizeof(tagWMR), size)) InitWMR(static_cast<tagWMR*>(dst), src);
 }
 
 // Converts `count` points from `src` into `dst`, both starting at `offset`.
@@ -54,12 +64,13 @@ uint32_t WmfPolyLinePoints(const tagWMRPOLYLINE& record, unsigned int size) {
 
 WmfPolyPolygonLayout GetWmfPolyPolygonLayout(const unsigned char* record, unsigned int size) {
     WmfPolyPolygonLayout layout;
-    const uint16_t polygons = HostU16(record, offsetof(tagWMRPOLYPOLYLINE, NumberOfPolygons));
+    const uint16_t polygons = HostU16(record, offsetof(tagWMRPOLYPOLYLINE, NumberOfPolygons), size);
     layout.counts =
         records::FitCount(polygons, kWmfPolyPolygonCountsOffset, sizeof(uint16_t), size);
     uint64_t declared = 0;
     for (uint32_t i = 0; i < layout.counts; ++i)
-        declared += HostU16(record, kWmfPolyPolygonCountsOffset + (size_t)i * sizeof(uint16_t));
+        declared +=
+            HostU16(record, kWmfPolyPolygonCountsOffset + (size_t)i * sizeof(uint16_t), size);
     layout.pointsOffset = kWmfPolyPolygonCountsOffset + (size_t)polygons * sizeof(uint16_t);
     layout.points = records::FitCount(declared, layout.pointsOffset, sizeof(tagPOINTS), size);
     return layout;
@@ -201,8 +212,8 @@ int InitWMRPATBLT(tagWMRPATBLT* dst, const unsigned char* src) {
 int InitWMRPOLYLINE(tagWMRPOLYLINE* dst, const unsigned char* src, unsigned int size) {
     TRACE_ENTER();
     if (!IsBigEndian()) TRACE_RETURN(0);
-    InitWMR(Prefix(dst), src);
-    dst->NumberOfPoints = ReadU16(src, offsetof(tagWMRPOLYLINE, NumberOfPoints));
+    ConvertPrefix(dst, src, size);
+    dst->NumberOfPoints = ReadU16Inside(src, offsetof(tagWMRPOLYLINE, NumberOfPoints), size);
     ConvertPoints(reinterpret_cast<unsigned char*>(dst), src, kWmfPolyLinePointsOffset,
                   WmfPolyLinePoints(*dst, size));
     TRACE_RETURN(1);
@@ -211,8 +222,9 @@ int InitWMRPOLYLINE(tagWMRPOLYLINE* dst, const unsigned char* src, unsigned int 
 int InitWMRPOLYPOLYLINE(tagWMRPOLYPOLYLINE* dst, const unsigned char* src, unsigned int size) {
     TRACE_ENTER();
     if (!IsBigEndian()) TRACE_RETURN(0);
-    InitWMR(Prefix(dst), src);
-    dst->NumberOfPolygons = ReadU16(src, offsetof(tagWMRPOLYPOLYLINE, NumberOfPolygons));
+    ConvertPrefix(dst, src, size);
+    dst->NumberOfPolygons =
+        ReadU16Inside(src, offsetof(tagWMRPOLYPOLYLINE, NumberOfPolygons), size);
     unsigned char* out = reinterpret_cast<unsigned char*>(dst);
     const uint32_t counts = records::FitCount(dst->NumberOfPolygons, kWmfPolyPolygonCountsOffset,
                                               sizeof(uint16_t), size);

@@ -554,13 +554,33 @@ TEST(WmfRobustness, ShortAndSaturatedRecords) {
         mfb::META_PATBLT,
         mfb::META_ARC,
     };
-    for (uint16_t function : functions) {
-        Wmf f;
-        for (int length = 0; length <= 60; length += 2) {
-            Bytes params;
-            for (int i = 0; i < length / 2; ++i) params.u16(0xFFFF);
-            f.record(function, params);
+    for (bool swapped : {false, true}) {
+        std::optional<testutil::ForceBigEndian> order;
+        if (swapped) order.emplace();
+        for (uint16_t function : functions) {
+            Wmf f;
+            for (int length = 0; length <= 60; length += 2) {
+                Bytes params;
+                for (int i = 0; i < length / 2; ++i) params.u16(0xFFFF);
+                f.record(function, params);
+            }
+            EXPECT_EQ(Convert(f.build(true, swapped)).status, 2) << "function " << function;
         }
-        EXPECT_EQ(Convert(f.build()).status, 2) << "function " << function;
+    }
+}
+
+// The array normalisers read no byte past the record, even with a source buffer that ends
+// exactly there (the address sanitizer build checks this).
+TEST(WmfRobustness, ArrayNormalisersStopAtTheRecordEnd) {
+    testutil::ForceBigEndian bigEndian;
+    for (unsigned int size = 2; size <= 40; size += 2) {
+        std::vector<unsigned char> src(size, 0xFF);
+        if (size > 6) src[6] = 0x03;  // a few polygons, so that the counts and points are walked
+        records::ScratchCopy dst(src.data(), size);
+        EXPECT_EQ(InitWMRPOLYLINE(reinterpret_cast<tagWMRPOLYLINE*>(dst.data()), src.data(), size),
+                  1);
+        EXPECT_EQ(InitWMRPOLYPOLYLINE(reinterpret_cast<tagWMRPOLYPOLYLINE*>(dst.data()), src.data(),
+                                      size),
+                  1);
     }
 }
