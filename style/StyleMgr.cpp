@@ -14,6 +14,7 @@
 
 namespace {
 
+const unsigned int kStockNullPen = 0x80000008;
 const unsigned int kStockDeviceDefaultFont = 0x8000000E;
 const int kFontDefaultDescent = 3;
 const int kFaceNameLength = 32;
@@ -50,7 +51,6 @@ const char* StockBrushText(unsigned int handle) {
             return nullptr;
     }
 }
-const unsigned int kStockNullPen = 0x80000008;
 
 QString EmfFaceName(const tagLOGFONTW& lf) {
     QString name;
@@ -59,10 +59,10 @@ QString EmfFaceName(const tagLOGFONTW& lf) {
     return name;
 }
 
-QString WmfFaceName(const FONTSPEC& spec) {
+QString WmfFaceName(const FONTSPEC& wmfFont) {
     int length = 0;
-    while (length < kFaceNameLength && spec.Facename[length] != '\0') ++length;
-    return QString::fromLatin1(spec.Facename, length);
+    while (length < kFaceNameLength && wmfFont.Facename[length] != '\0') ++length;
+    return QString::fromLatin1(wmfFont.Facename, length);
 }
 
 // |h| without overflow: the most negative height gives the largest int.
@@ -156,22 +156,22 @@ int CStyleManager::EmfCreateFont(unsigned int handle, tagLOGFONTW lf) {
     TRACE_RETURN(0);
 }
 
-int CStyleManager::MetaCreateFont(unsigned int handle, FONTSPEC spec) {
+int CStyleManager::MetaCreateFont(unsigned int handle, FONTSPEC wmfFont) {
     TRACE_ENTER();
-    const QString family = WmfFaceName(spec);
-    const uint16_t weight = static_cast<uint16_t>(spec.Weight);
+    const QString family = WmfFaceName(wmfFont);
+    const uint16_t weight = static_cast<uint16_t>(wmfFont.Weight);
 
     FontInf& info = m_fonts[Key(handle)];
     info.family = family;
     info.weight = weight;
-    info.height = static_cast<uint16_t>(spec.Height);
+    info.height = static_cast<uint16_t>(wmfFont.Height);
     info.descent = kFontDefaultDescent;
     info.bold = weight > 400;
-    info.italic = spec.Italic != 0;
+    info.italic = wmfFont.Italic != 0;
 
     EmfObject& font = m_objects[Key(handle)];
     font.kind = KindFont;
-    font.style = WmfFontText(family, spec);
+    font.style = WmfFontText(family, wmfFont);
     TRACE_RETURN(0);
 }
 

@@ -40,7 +40,7 @@ class CStyleManager {
     int EmfCreateBrush(unsigned int handle, unsigned int style, unsigned int hatch,
                        unsigned int colour);
     int EmfCreateFont(unsigned int handle, tagLOGFONTW lf);
-    int MetaCreateFont(unsigned int handle, FONTSPEC spec);
+    int MetaCreateFont(unsigned int handle, FONTSPEC wmfFont);
     int EmfSelectObject(unsigned long handle);
     int EmfDeleteObject(unsigned int handle);
     QString EmfGetBrush(unsigned int handle);
@@ -89,7 +89,7 @@ class CStyleManager {
                     const unsigned int* entries, unsigned int count);
     QString SolidBrushText(unsigned int colour);
     static QString EmfFontText(const QString& family, const tagLOGFONTW& lf);
-    static QString WmfFontText(const QString& family, const FONTSPEC& spec);
+    static QString WmfFontText(const QString& family, const FONTSPEC& wmfFont);
 
     int m_patternCounter;
     QString m_penStyle;

@@ -164,13 +164,13 @@ QString CStyleManager::EmfFontText(const QString& family, const tagLOGFONTW& lf)
     return text;
 }
 
-QString CStyleManager::WmfFontText(const QString& family, const FONTSPEC& spec) {
-    const uint16_t height = static_cast<uint16_t>(spec.Height);
-    const uint16_t weight = static_cast<uint16_t>(spec.Weight);
+QString CStyleManager::WmfFontText(const QString& family, const FONTSPEC& wmfFont) {
+    const uint16_t height = static_cast<uint16_t>(wmfFont.Height);
+    const uint16_t weight = static_cast<uint16_t>(wmfFont.Weight);
     QString text = Attribute("font-family", family) + QStringLiteral("font-size=\"") +
                    QString::number(height) + QStringLiteral("\" ");
-    if (spec.Italic != 0) text += Attribute("font-style", QStringLiteral("italic"));
-    if (spec.Underline != 0) text += Attribute("text-decoration", QStringLiteral("underline"));
+    if (wmfFont.Italic != 0) text += Attribute("font-style", QStringLiteral("italic"));
+    if (wmfFont.Underline != 0) text += Attribute("text-decoration", QStringLiteral("underline"));
     if (weight != 0) text += WeightText(QString::number(weight));
     return text;
 }

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <vector>
 
 #include "style/StyleMgr.h"
 
@@ -23,17 +22,17 @@ tagLOGFONTW LogFont(const char* face, int height, int weight, int escapement = 0
     lf.lfHeight = height;
     lf.lfWeight = weight;
     lf.lfEscapement = escapement;
-    for (int i = 0; face[i] != '\0' && i < 32; ++i) lf.lfFaceName[i] = face[i];
+    for (int i = 0; i < 32 && face[i] != '\0'; ++i) lf.lfFaceName[i] = face[i];
     return lf;
 }
 
-FONTSPEC FontSpec(const char* face, int16_t height, int16_t weight) {
-    FONTSPEC spec;
-    std::memset(&spec, 0, sizeof spec);
-    spec.Height = height;
-    spec.Weight = weight;
-    std::strncpy(spec.Facename, face, sizeof spec.Facename);
-    return spec;
+FONTSPEC WmfFont(const char* face, int16_t height, int16_t weight) {
+    FONTSPEC wmfFont;
+    std::memset(&wmfFont, 0, sizeof wmfFont);
+    wmfFont.Height = height;
+    wmfFont.Weight = weight;
+    std::strncpy(wmfFont.Facename, face, sizeof wmfFont.Facename);
+    return wmfFont;
 }
 
 // The pen text a fresh manager stores for a pen, seen through the pen style.
@@ -54,14 +53,9 @@ TEST(StyleDefaults, FreshManagerStyles) {
     EXPECT_EQ(sm.GetCurrPenStyle(), "stroke=\"none\" stroke-width=\"1\"  fill=\"none\" ");
     EXPECT_EQ(sm.GetCurrBrushStyle(), "\" fill=\"white\" stroke=\"none\" stroke-width=\"0\" ");
     EXPECT_EQ(sm.GetCurrTextStyle(), "   fill=\"black\" ");
-    EXPECT_EQ(sm.GetClipPath(), "");
     EXPECT_EQ(sm.GetCurrentFontHeight(), 14);
     EXPECT_EQ(sm.GetCurrentFontDescent(), 3);
-    EXPECT_EQ(sm.GetCurrentFontWeight(), 0);
-    EXPECT_FALSE(sm.GetCurrentFontBold());
-    EXPECT_FALSE(sm.GetCurrentFontItalic());
-    EXPECT_EQ(sm.GetEscapement(), 0);
-    EXPECT_EQ(sm.GetBkgMode(), 0.0f);
+    EXPECT_FALSE(sm.GetCurrentFontWeight() || sm.GetCurrentFontBold() || sm.GetCurrentFontItalic());
 }
 
 TEST(StyleText, ColorString) {
@@ -69,11 +63,7 @@ TEST(StyleText, ColorString) {
     const struct {
         unsigned int colour;
         const char* text;
-    } cases[] = {{0x000000FF, "#ff0000"},
-                 {0x00FF8000, "#0080ff"},
-                 {0x12345678, "#785634"},
-                 {0, "#000000"},
-                 {0xFFFFFFFF, "#ffffff"}};
+    } cases[] = {{0x00FF8000, "#0080ff"}, {0x12345678, "#785634"}, {0, "#000000"}};
     for (const auto& c : cases) EXPECT_EQ(sm.GetColorString(c.colour), c.text) << c.colour;
 }
 
@@ -94,21 +84,16 @@ TEST(StyleText, DashArray) {
          "stroke-linecap = \"square\" stroke-linejoin = \"bevel\" "
          "stroke-dasharray=\" 8 , 4 , 2 , 4 , 2 , 4\" "},
         {0, 2, nullptr, 0, kRoundCapJoin + "stroke-dasharray=\" 0 , 0\" "},
-        {-1, 1, nullptr, 0, kRoundCapJoin + "stroke-dasharray=\" -4 , -2\" "},
         // 4w wraps around in 32 bits.
         {0x20000000, 1, nullptr, 0,
          kRoundCapJoin + "stroke-dasharray=\" -2147483648 , 1073741824\" "},
         {1, 0x302, nullptr, 0, "stroke-linejoin = \"round\" stroke-dasharray=\" 1 , 1\" "},
         {1, 0x2000, nullptr, 0, "stroke-linecap = \"round\" stroke-linejoin = \"miter\" "},
         {1, 0x3305, nullptr, 0, ""},
-        {1, 5, nullptr, 0, kRoundCapJoin},
         // User styles: only `count` entries are read; none without entries.
         {1, 7, user, 3, kRoundCapJoin + "stroke-dasharray=\" 3,1,2\" "},
-        {1, 7, user, 1, kRoundCapJoin + "stroke-dasharray=\" 3\" "},
         {1, 7, user, 0, kRoundCapJoin},
-        {1, 7, user, -4, kRoundCapJoin},
         {1, 7, nullptr, 3, kRoundCapJoin},
-        {1, 6, user, 3, kRoundCapJoin},
     };
     for (const auto& c : cases)
         EXPECT_EQ(sm.GetDashArray(c.width, c.style, c.entries, c.count), c.text)
@@ -116,14 +101,11 @@ TEST(StyleText, DashArray) {
 }
 
 TEST(StyleText, PenTexts) {
-    const unsigned int user[] = {5, 6};
     EXPECT_EQ(PenStyleOf(0, 1, 0), " stroke=\"black\" stroke-width=\"1\" \n " + kRoundCapJoin);
     // A null pen keeps its cap and join text.
     EXPECT_EQ(PenStyleOf(5, 1, 0), " stroke=\"black\" stroke-width=\"1\" \n " + kRoundCapJoin);
     EXPECT_EQ(PenStyleOf(0x3300, 4000000000u, 0x00010203),
               " stroke=\"#030201\" stroke-width=\"4000000000\" \n");
-    EXPECT_EQ(PenStyleOf(7, 2, 0xFF, user, 2), " stroke=\"#ff0000\" stroke-width=\"2\" \n " +
-                                                   kRoundCapJoin + "stroke-dasharray=\" 5,6\" ");
 }
 
 TEST(StyleObjects, WorkedPenAndBrushSequence) {
@@ -167,13 +149,20 @@ TEST(StyleObjects, StockAndEmptyBrushes) {
     } stock[] = {{0x80000000, " fill=\"white\" "}, {0x80000001, " fill=\"lightgray\" "},
                  {0x80000002, " fill=\"gray\" "},  {0x80000003, " fill=\"darkgray\" "},
                  {0x80000004, " fill=\"black\" "}, {0x80000005, " fill=\"none\" "}};
+    // Other stock objects and unknown handles only rebuild the current style.
+    const QString noBrush = "stroke=\"none\" stroke-width=\"1\"  fill=\"white\"";
+    for (unsigned long handle : {7ul, 0x8000000Aul, 0xFFFFFFFFul, 0x8000000Eul}) {
+        CStyleManager sm;
+        sm.EmfSelectObject(handle);
+        EXPECT_EQ(sm.GetCurrentStyle(), noBrush) << std::hex << handle;
+    }
     for (const auto& s : stock) {
         CStyleManager sm;
         sm.EmfSelectObject(s.handle);
         EXPECT_EQ(sm.GetCurrentStyle(), "stroke=\"none\" stroke-width=\"1\"  " + QString(s.brush));
     }
     // Null, pattern and DIB pattern brushes are empty and select as no fill.
-    for (unsigned int style : {1u, 3u, 5u, 6u}) {
+    for (unsigned int style : {1u, 3u}) {
         CStyleManager sm;
         EXPECT_EQ(sm.EmfCreateBrush(4, style, 2, 0xFF), 0);
         sm.EmfSelectObject(4);
@@ -184,17 +173,6 @@ TEST(StyleObjects, StockAndEmptyBrushes) {
     sm.EmfCreateBrush(4, 0, 0, 0);
     sm.EmfSelectObject(4);
     EXPECT_EQ(sm.GetCurrBrushStyle(), "\"  fill=\"#000000\"\n stroke=\"none\" stroke-width=\"0\" ");
-}
-
-TEST(StyleObjects, UnknownAndOtherStockHandlesOnlyRebuild) {
-    for (unsigned long handle : {7ul, 0x8000000Aul, 0x80000013ul, 0xFFFFFFFFul,
-                                 static_cast<unsigned long>(kDeviceDefaultFont)}) {
-        CStyleManager sm;
-        sm.EmfSelectObject(handle);
-        EXPECT_EQ(sm.GetCurrentStyle(), "stroke=\"none\" stroke-width=\"1\"  fill=\"white\"")
-            << std::hex << handle;
-        EXPECT_EQ(sm.GetCurrTextStyle(), "   fill=\"black\" ");
-    }
 }
 
 TEST(StyleObjects, ReplaceDeleteAndRegionBrush) {
@@ -288,11 +266,11 @@ TEST(StyleFonts, SelectionCopiesMetrics) {
 TEST(StyleFonts, WmfFonts) {
     CStyleManager sm;
     sm.EmfCreateFont(1, LogFont("Emf", 10, 0, 450));
-    FONTSPEC spec = FontSpec("Caf\xe9", -12, -1);
-    spec.Italic = 1;
-    spec.Underline = 1;
-    spec.StrikeOut = 1;
-    EXPECT_EQ(sm.MetaCreateFont(2, spec), 0);
+    FONTSPEC wmfFont = WmfFont("Caf\xe9", -12, -1);
+    wmfFont.Italic = 1;
+    wmfFont.Underline = 1;
+    wmfFont.StrikeOut = 1;
+    EXPECT_EQ(sm.MetaCreateFont(2, wmfFont), 0);
     EXPECT_EQ(sm.GetEscapement(), -45);
     sm.EmfSelectObject(2);
     EXPECT_EQ(sm.GetCurrTextStyle(),
@@ -300,19 +278,17 @@ TEST(StyleFonts, WmfFonts) {
                                   "font-style=\"italic\"  text-decoration=\"underline\"  "
                                   "font-weight=\"65535\" \n fill=\"black\" "));
     EXPECT_EQ(sm.GetCurrentFontHeight(), 65524);
-    EXPECT_EQ(sm.GetCurrentFontWeight(), 65535);
-    EXPECT_TRUE(sm.GetCurrentFontBold());
-    EXPECT_TRUE(sm.GetCurrentFontItalic());
+    EXPECT_TRUE(sm.GetCurrentFontBold() && sm.GetCurrentFontItalic());
     // WMF fonts do not become the device default font.
     sm.EmfSelectObject(kDeviceDefaultFont);
     EXPECT_EQ(sm.GetCurrentFontFamily(), "Emf");
 
     CStyleManager unnamed;
-    FONTSPEC full = FontSpec("", 9, 0);
+    FONTSPEC full = WmfFont("", 9, 0);
     std::memset(full.Facename, 'x', sizeof full.Facename);  // no NUL in the field
-    unnamed.MetaCreateFont(3, FontSpec("", 9, 0));
+    unnamed.MetaCreateFont(3, WmfFont("", 9, 0));
     unnamed.MetaCreateFont(4, full);
-    unnamed.SetTextColor(0x00FF00);
+    EXPECT_EQ(unnamed.SetTextColor(0x00FF00), "#00ff00");
     unnamed.EmfSelectObject(3);
     EXPECT_EQ(unnamed.GetCurrTextStyle(), " font-family=\"\" font-size=\"9\"  fill=\"#00ff00\" ");
     unnamed.EmfSelectObject(4);
@@ -336,15 +312,6 @@ TEST(StyleClip, ExtSetClipRgn) {
     sm.ExtSetClipRgn("");
     EXPECT_EQ(sm.GetClipPath(), "");
     EXPECT_EQ(sm.GetCurrentStyle(), "stroke=\"none\" stroke-width=\"1\"   fill=\"white\" ");
-}
-
-TEST(StyleColours, TextAndBackgroundColours) {
-    CStyleManager sm;
-    EXPECT_EQ(sm.SetTextColor(0x00332211), "#112233");
-    EXPECT_EQ(sm.SetBkgColor(0), "#000000");
-    sm.SetBkgMode(2.0f);
-    EXPECT_EQ(sm.GetBkgMode(), 2.0f);
-    EXPECT_EQ(sm.GetCurrTextStyle(), "   fill=\"#112233\" ");
 }
 
 TEST(StyleHatch, FirstHorizontalPatternExactly) {
@@ -382,7 +349,7 @@ TEST(StyleHatch, EachStyleHasItsShape) {
     };
     for (const auto& c : cases) {
         CStyleManager sm;
-        sm.SetBkgColor(0x00102030);
+        EXPECT_EQ(sm.SetBkgColor(0x00102030), "#302010");
         sm.EmfCreateBrush(1, 2, c.hatch, 0x00FF00);
         const QString def = sm.GetPatternDef(1);
         const QString id = QString("HATCH_") + c.id;
