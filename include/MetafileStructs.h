@@ -440,6 +440,13 @@ struct tagWMRPATBLT {
     int16_t XLeft;
 };
 
+// META_SETBKMODE: the mode, then a reserved word that many files leave out.
+struct tagWMRSETBKMODE {
+    tagWMR wmr;
+    uint16_t BkMode;
+    uint16_t Reserved;
+};
+
 #pragma pack(pop)
 
 #endif

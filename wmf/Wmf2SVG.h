@@ -8,6 +8,7 @@
 
 #include <QString>
 #include <map>
+#include <set>
 
 #include "MetafileStructs.h"
 #include "api/Logger.h"
@@ -64,8 +65,34 @@ class WMF2SVGConverter {
     int OnMetaSetWinExt(unsigned char* record, unsigned int size);
     int OnMetaSetMapMode(unsigned char* record, unsigned int size);
 
+    // Object records and the handle table (WmfObjects.cpp).
+    int OnCreatePenIndirect(unsigned char* record, unsigned int size);
+    int OnMetaCreateBrushIndirect(unsigned char* record, unsigned int size);
+    int OnMetaCreateFontIndirect(unsigned char* record, unsigned int size);
+    int OnMetaSelectObject(unsigned char* record, unsigned int size);
+    int OnMetaDeleteObject(unsigned char* record, unsigned int size);
+    int OnMetaSetBkMode(unsigned char* record, unsigned int size);
+    int OnMetaSetTextAlign(unsigned char* record, unsigned int size);
+    uint16_t TakeSlot();
+    void FreeSlot(int slot);
+    int16_t ScaleFontUnits(int16_t value) const;
+
+    // Drawing records (WmfDrawing.cpp).
+    int OnMetaMove(unsigned char* record, unsigned int size);
+    int OnMetaLineTo(unsigned char* record, unsigned int size);
+    int OnMetaPolyLine(unsigned char* record, unsigned int size);
+    int OnMetaPolygon(unsigned char* record, unsigned int size);
+    int OnMetaPolyPolygon(unsigned char* record, unsigned int size);
+    int OnMetaRectangle(unsigned char* record, unsigned int size);
+    int OnMetaEllipse(unsigned char* record, unsigned int size);
+    int OnMetaPatBlt(unsigned char* record, unsigned int size);
+    int OnMetaArc(unsigned char* record, unsigned int size);
+    void DrawMappedPolyLine(const unsigned char* record, unsigned int size, bool closed);
+    tagRECT MapEdges(const tagWMRELLIPSE& record);
+
     std::map<unsigned int, Handler> m_handlers;
     std::map<int, tagHandle> m_handles;
+    std::set<int> m_freeSlots;  // keys of m_handles whose free flag is set
     const char* m_recordNames[kNameTableSize];
     CMySVGWriter m_writer;
     records::RecordBuffer m_recordCopy;
