@@ -8,9 +8,10 @@
 //  - every 16-bit record maps with the origins, EMR_POLYLINE16 and EMR_POLYGON16 through the
 //    world transform first; mapped 16-bit coordinates keep their low 16 bits.
 //
-// Declared counts are never trusted: a point list is cut to the points its record holds, a
-// poly list to the polygon counts that fit, and each polygon to the points that remain. A list
-// left without points makes no writer call.
+// Declared counts are never trusted: a point list is cut to the points its record holds, and
+// each polygon of a poly list to the points that remain; a poly list whose polygon counts run
+// past the record is skipped. A list left without points still reaches the writer, as an
+// empty list.
 #define TRACE_FILE "Emf2SVG"
 #include <algorithm>
 #include <vector>
@@ -34,7 +35,10 @@ PolyListLayout ReadPolyListLayout(unsigned char* list, unsigned int size, size_t
     const uint32_t declared = reinterpret_cast<const tagEMRPOLYPOLYLINE*>(list)->nPolys;
     PolyListLayout l;
     l.counts = reinterpret_cast<const uint32_t*>(list + EMR_POLYPOLY_COUNTS_OFFSET);
-    l.polys = records::FitCount(declared, EMR_POLYPOLY_COUNTS_OFFSET, sizeof(uint32_t), size);
+    // A record whose polygon counts run past its end is skipped: it draws no polygon.
+    const uint32_t fit =
+        records::FitCount(declared, EMR_POLYPOLY_COUNTS_OFFSET, sizeof(uint32_t), size);
+    l.polys = fit == declared ? declared : 0;
     // The points follow all declared counts; when those overrun the record no point is left.
     const uint64_t offset = EMR_POLYPOLY_COUNTS_OFFSET + 4ull * declared;
     l.pointsHeld =
@@ -53,13 +57,14 @@ uint32_t PointsToMap(const PolyListLayout& l) {
 }
 
 // One writer call per polygon, each starting after the points of the earlier ones and cut to
-// the points the record holds; nothing joins them.
+// the points the record holds (none, once they have run out); nothing joins them.
 template <class P>
 void DrawPolygons(CMySVGWriter& writer, const PolyListLayout& l, const P* points, bool closed) {
     uint64_t start = 0;
-    for (uint32_t i = 0; i < l.polys && start < l.pointsHeld; ++i) {
-        const uint32_t count = (uint32_t)std::min<uint64_t>(l.counts[i], l.pointsHeld - start);
-        if (count) writer.DrawPolyLine(points + start, count, closed, false, QString());
+    for (uint32_t i = 0; i < l.polys; ++i) {
+        const uint64_t first = std::min<uint64_t>(start, l.pointsHeld);
+        const uint32_t count = (uint32_t)std::min<uint64_t>(l.counts[i], l.pointsHeld - first);
+        writer.DrawPolyLine(points + first, count, closed, false, QString());
         start += l.counts[i];
     }
 }
@@ -108,7 +113,6 @@ void Emf2SvgConverter::DrawPointList32(unsigned char* record, unsigned int size,
     InitEMRPOLYGON(r, size);
     const uint32_t count =
         records::FitCount(r.cptl, EMR_POLY_POINTS_OFFSET, sizeof(tagPOINT), size);
-    if (count == 0) return;
     tagPOINT* points = reinterpret_cast<tagPOINT*>(record + EMR_POLY_POINTS_OFFSET);
     if (mapping != PointMapping::None) MapInPlace(points, count);
     EmitPoints(points, count, call);
@@ -120,7 +124,6 @@ void Emf2SvgConverter::DrawPointList16(unsigned char* record, unsigned int size,
     InitEMRPOLYGON16(r, size);
     const uint32_t count =
         records::FitCount(r.cpts, EMR_POLY_POINTS_OFFSET, sizeof(tagPOINTS), size);
-    if (count == 0) return;
     tagPOINTS* points = reinterpret_cast<tagPOINTS*>(record + EMR_POLY_POINTS_OFFSET);
     if (mapping == PointMapping::World) {
         std::vector<tagPOINTS> mapped(count);
@@ -274,7 +277,7 @@ int Emf2SvgConverter::OnPolyDraw(unsigned char* record, unsigned int size) {
     // types lie outside the record and nothing is drawn.
     const uint32_t count = r.cpts;
     const uint64_t bytes = (uint64_t)count * (sizeof(tagPOINTS) + 1);
-    if (count == 0 || !records::Fits(EMR_POLY_POINTS_OFFSET, bytes, size)) TRACE_RETURN(1);
+    if (!records::Fits(EMR_POLY_POINTS_OFFSET, bytes, size)) TRACE_RETURN(1);
     tagPOINTS* points = reinterpret_cast<tagPOINTS*>(record + EMR_POLY_POINTS_OFFSET);
     const unsigned char* types = record + EMR_POLY_POINTS_OFFSET + sizeof(tagPOINTS) * count;
     MapInPlace(points, count);

@@ -5,10 +5,16 @@
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
+#include <ostream>
 #include <string>
 #include <vector>
 
 #include "CLogSystem.h"
+
+// Failing comparisons show QString values as text.
+inline void PrintTo(const QString& s, std::ostream* os) {
+    *os << '"' << s.toStdString() << '"';
+}
 
 namespace testutil {
 

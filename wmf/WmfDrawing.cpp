@@ -20,7 +20,7 @@ tagRECT WMF2SVGConverter::MapEdges(const tagWMRELLIPSE& record) {
 }
 
 // META_POLYLINE and META_POLYGON: the points are mapped in a private copy of the record and
-// drawn from there. A record without points draws nothing.
+// drawn from there. A record without points draws an empty list.
 void WMF2SVGConverter::DrawMappedPolyLine(const unsigned char* record, unsigned int size,
                                           bool closed) {
     // The copy holds the record's bytes; on a big-endian host the normaliser rewrites them in
@@ -29,7 +29,6 @@ void WMF2SVGConverter::DrawMappedPolyLine(const unsigned char* record, unsigned 
     auto* poly = reinterpret_cast<tagWMRPOLYLINE*>(copy.data());
     InitWMRPOLYLINE(poly, record, size);
     const uint32_t count = WmfPolyLinePoints(*poly, size);
-    if (count == 0) return;
     auto* points = reinterpret_cast<tagPOINTS*>(copy.data() + kWmfPolyLinePointsOffset);
     for (uint32_t i = 0; i < count; ++i) {
         points[i].x = MapX(points[i].x);
@@ -69,14 +68,17 @@ int WMF2SVGConverter::OnMetaPolygon(unsigned char* record, unsigned int size) {
 }
 
 // The polygons are drawn as far as the record's points go: a polygon whose points run out is
-// cut short there, and polygons without any point (declared empty, or past the end of the
-// record) are left out, so the counts handed to the writer always match the points.
+// cut short there and the ones after it get none, so the counts handed to the writer always
+// match the points. A record whose polygon counts run past its end draws nothing.
 int WMF2SVGConverter::OnMetaPolyPolygon(unsigned char* record, unsigned int size) {
     TRACE_ENTER();
     if (size == 0) TRACE_RETURN(0);
     records::ScratchCopy copy(record, size);
     InitWMRPOLYPOLYLINE(reinterpret_cast<tagWMRPOLYPOLYLINE*>(copy.data()), record, size);
     const WmfPolyPolygonLayout layout = GetWmfPolyPolygonLayout(copy.data(), size);
+    // A record whose polygon counts run past its end is skipped.
+    if (layout.counts < reinterpret_cast<const tagWMRPOLYPOLYLINE*>(copy.data())->NumberOfPolygons)
+        TRACE_RETURN(1);
     const auto* declared =
         reinterpret_cast<const uint16_t*>(copy.data() + kWmfPolyPolygonCountsOffset);
     const auto* source = reinterpret_cast<const tagPOINTS*>(copy.data() + layout.pointsOffset);
@@ -84,19 +86,17 @@ int WMF2SVGConverter::OnMetaPolyPolygon(unsigned char* record, unsigned int size
     std::vector<unsigned short> counts;
     std::vector<tagPOINT> points;
     points.reserve(layout.points);
-    for (uint32_t i = 0; i < layout.counts && points.size() < layout.points; ++i) {
+    counts.reserve(layout.counts);
+    for (uint32_t i = 0; i < layout.counts; ++i) {
         const uint32_t left = layout.points - (uint32_t)points.size();
         const uint32_t count = std::min<uint32_t>(declared[i], left);
-        if (count == 0) continue;
         counts.push_back((unsigned short)count);
         for (uint32_t j = 0; j < count; ++j) {
             const tagPOINTS& p = source[points.size()];
             points.push_back(tagPOINT{MapX(p.x), MapY(p.y)});
         }
     }
-    if (!counts.empty())
-        m_writer.DrawPolyPolygon(points.data(), counts.data(), (unsigned int)counts.size(),
-                                 QString());
+    m_writer.DrawPolyPolygon(points.data(), counts.data(), (unsigned int)counts.size(), QString());
     TRACE_RETURN(1);
 }
 
