@@ -8,7 +8,7 @@
 
 #include "CLogSystem.h"
 #include "svgmodule.h"
-#include "tests/ExampleMetafiles.h"
+#include "tools/ExampleMetafiles.h"
 #include "tests/MetafileBuilder.h"
 
 namespace {

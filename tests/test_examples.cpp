@@ -3,7 +3,7 @@
 
 #include <QFile>
 
-#include "tests/ExampleMetafiles.h"
+#include "tools/ExampleMetafiles.h"
 #include "tests/TestUtil.h"
 
 TEST(Examples, BundledFilesMatchTheGeneratorAndConvert) {

@@ -3,7 +3,7 @@
 #include <QFile>
 #include <cstdio>
 
-#include "tests/ExampleMetafiles.h"
+#include "tools/ExampleMetafiles.h"
 
 int main(int argc, char** argv) {
     if (argc != 2) {

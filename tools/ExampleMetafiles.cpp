@@ -1,4 +1,4 @@
-#include "tests/ExampleMetafiles.h"
+#include "tools/ExampleMetafiles.h"
 
 #include "tests/MetafileBuilder.h"
 
