@@ -32,8 +32,9 @@ T ReadHeader(const char* data, uint64_t available) {
 
 namespace svgtool {
 
-int ConvertWMF(const char* data, uint64_t available, QByteArray& out) {
+int ConvertWMFToSVG(const char* data, uint64_t available, QByteArray& out) {
     TRACE_ENTER();
+    if (!data) TRACE_RETURN(0);
     unsigned char* buffer = nullptr;
     try {
         // Built on the heap: the converter's tables make it large for a thread's stack.
@@ -98,12 +99,10 @@ int ConvertEMFToSVG(const char* data, QByteArray& out, unsigned long size) {
     }
 }
 
+// Traced once, by the shared body, whichever entry reached it.
 int ConvertWMFToSVG(const char* data, QByteArray& out) {
-    TRACE_ENTER();
-    if (!data) TRACE_RETURN(0);
     // No length is given: the header's own size is trusted.
-    const int result = svgtool::ConvertWMF(data, UINT64_MAX, out);
-    TRACE_RETURN(result);
+    return svgtool::ConvertWMFToSVG(data, UINT64_MAX, out);
 }
 
 extern "C" int ConvertMetaFileToSVG(const QByteArray& in, QByteArray& out) {
@@ -117,7 +116,7 @@ extern "C" int ConvertMetaFileToSVG(const QByteArray& in, QByteArray& out) {
         InitEnhMetaHeader(header);
         int result;
         if (Emf2SvgConverter::IsValidEMFFile(header) == -2)
-            result = svgtool::ConvertWMF(in.constData(), n, out);
+            result = svgtool::ConvertWMFToSVG(in.constData(), n, out);
         else
             result = ConvertEMFToSVG(in.constData(), out, (unsigned long)n);
         TRACE_RETURN(result);

@@ -104,7 +104,6 @@ int Emf2SvgConverter::ConvertEMFToSVG(unsigned char* data, CLogger& log) {
 }
 
 void Emf2SvgConverter::SetupPicture(const tagENHMETAHEADER& h) {
-    TRACE_ENTER();
     m_boundsRegion = QRegion(RectOf(h.rclBounds));
 
     // Frame scales: 0.01 mm per device unit. A degenerate bounds or frame rectangle would
@@ -135,13 +134,12 @@ void Emf2SvgConverter::SetupPicture(const tagENHMETAHEADER& h) {
     const int width = RoundSize((float)((frameW / 100.0) * rx));
     const int height = RoundSize((float)((frameH / 100.0) * ry));
     m_writer.CreateXML(width, height);
-    TRACE_RETURN();
+    return;
 }
 
 void Emf2SvgConverter::WalkRecords(unsigned char* data, const tagENHMETAHEADER& header,
                                    CLogger& log) {
-    TRACE_ENTER();
-    if (header.nRecords == 0) TRACE_RETURN();
+    if (header.nRecords == 0) return;
     // The buffer holds nBytes bytes. A record that does not fit, or whose size cannot hold
     // its own header, ends the walk as EMR_EOF would; every step advances by at least 8.
     const uint64_t end = header.nBytes;
@@ -158,7 +156,7 @@ void Emf2SvgConverter::WalkRecords(unsigned char* data, const tagENHMETAHEADER& 
         if (++count == header.nRecords) break;
         pos += emr.nSize;
     }
-    TRACE_RETURN();
+    return;
 }
 
 int Emf2SvgConverter::HandleEnhMetaRecordData(unsigned char* record, unsigned int size,

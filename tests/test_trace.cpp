@@ -15,10 +15,9 @@ namespace {
 struct TraceCount {
     int enter = 0;
     int exit = 0;
-    std::string prefix;
 };
 
-// Function name -> Enter/Exit counts, checking the shape of every line on the way.
+// "prefix:function" -> Enter/Exit counts, checking the shape of every line on the way.
 std::map<std::string, TraceCount> CountTraces(const testutil::LogCapture& log) {
     static const QRegularExpression shape(
         QStringLiteral("^(\\w+)\\t(\\d+)\\t (Enter|Exit) (\\w+) $"));
@@ -27,9 +26,8 @@ std::map<std::string, TraceCount> CountTraces(const testutil::LogCapture& log) {
         const auto m = shape.match(QString::fromStdString(line));
         EXPECT_TRUE(m.hasMatch()) << line;
         if (!m.hasMatch()) continue;
-        TraceCount& c = counts[m.captured(4).toStdString()];
+        TraceCount& c = counts[(m.captured(1) + QLatin1Char(':') + m.captured(4)).toStdString()];
         (m.captured(3) == QLatin1String("Enter") ? c.enter : c.exit)++;
-        c.prefix = m.captured(1).toStdString();
     }
     return counts;
 }

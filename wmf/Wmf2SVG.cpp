@@ -72,7 +72,6 @@ int WMF2SVGConverter::ConvertWMFToSVG(unsigned char* records, unsigned long tota
 
 void WMF2SVGConverter::WalkRecords(unsigned char* records, unsigned long total,
                                    unsigned long maxRecord, CLogger& log) {
-    TRACE_ENTER();
     // The records occupy what the headers leave of `total`. A record that does not fit, or
     // whose size is 0, ends the walk; every step advances by at least 2 bytes.
     const uint64_t end = total > HeaderBytes() ? total - HeaderBytes() : 0;
@@ -91,7 +90,7 @@ void WMF2SVGConverter::WalkRecords(unsigned char* records, unsigned long total,
         if (++recordNumber == 0) break;
         pos += size;
     }
-    TRACE_RETURN();
+    return;
 }
 
 int WMF2SVGConverter::HandleWMFRecordData(unsigned char* record, unsigned int size, CLogger& log) {
