@@ -20,8 +20,12 @@
 
 namespace svgtrace {
 
+// The level name that turns trace lines on. Comparing two strings tests their lengths first, so
+// any other level costs no character comparison.
+inline const std::string kTraceLevel = "TRACE";
+
 inline bool TraceEnabled() {
-    return CLogSystem::theRootInstance->getLevel() == "TRACE";
+    return CLogSystem::theRootInstance->getLevel() == kTraceLevel;
 }
 
 // Writes "file\tline\t", what and func as one trace line.

@@ -53,8 +53,13 @@ CLogSystem::CLogSystem()
     // An unset variable leaves the default, WARN.
 }
 
+namespace {
+// Ready-made level strings: the level is asked at every trace point of a caller.
+const std::string kLevelStrings[] = {"TRACE", "INFO", "WARN", "FATAL", "OFF"};
+}  // namespace
+
 std::string CLogSystem::getLevel() const {
-    return basic_logging::kLevelNames[__atomic_load_n(&m_level, __ATOMIC_RELAXED)];
+    return kLevelStrings[__atomic_load_n(&m_level, __ATOMIC_RELAXED)];
 }
 
 void CLogSystem::setLevel(const std::string& name) {
