@@ -176,6 +176,9 @@ TEST(WmfMapping, TwipsWithoutPlaceableHeader) {
     EXPECT_EQ(moved.converter.MapX(100), 0);
     EXPECT_EQ(moved.converter.MapY(100), 0);
     EXPECT_EQ(moved.converter.MapX(250), 10);
+    // The distance from the window origin wraps in 16 bits.
+    WmfRun wrapped(mfb::Wmf().record(mfb::META_SETWINDOWORG, Pair(0, -2)).build());
+    EXPECT_EQ(wrapped.converter.MapX(32767), -2184);
 }
 
 TEST(WmfMapping, PlaceableFilesStretchByTheWindowExtent) {
