@@ -3,8 +3,10 @@
 
 #include <functional>
 #include <string>
+#include <tuple>
 #include <vector>
 
+#include "TestUtil.h"
 #include "svg/SVGWriter.h"
 
 class WriterTestPeer {
@@ -14,171 +16,122 @@ class WriterTestPeer {
 
 namespace {
 
-struct Case {
-    const char* name;
-    std::function<void(CMySVGWriter&)> draw;
-    std::string expected;
-};
-
 const std::string kDefault = R"( stroke="black" stroke-width="1" fill="none")";
 // The style manager's pen and brush texts while nothing is selected.
 const std::string kPen = R"(stroke="none" stroke-width="1"  fill="none" )";
 const std::string kBrush = R"(" fill="white" stroke="none" stroke-width="0" )";
-const QString kRed = QStringLiteral(" stroke=\"red\"");
+const char kRed[] = R"( stroke="red")";
 // The 999 point lies beyond every count used with this list and must never be read.
 const tagPOINT kP[] = {{0, 0}, {5, 0}, {5, 5}, {1, 2}, {3, 4}, {999, 999}};
-
-std::string Out(CMySVGWriter& w) {
-    return w.GetSVGOutput().toStdString();
-}
 
 // One line of output.
 std::string L(const std::string& text) {
     return text + "\n";
 }
 
-// The line that DrawLineTo(0, 0, kRed) writes from (x, y): shows the current position.
-std::string LineFrom(int x, int y) {
-    return L("<line x1=\"" + std::to_string(x) + "\" y1 = \"" + std::to_string(y) +
-             R"(" x2 ="0" y2="0"  stroke="red"/>)");
+std::string Line(int x1, int y1, int x2, int y2, const std::string& style = kRed) {
+    const auto n = [](int v) { return std::to_string(v); };
+    return L("<line x1=\"" + n(x1) + "\" y1 = \"" + n(y1) + "\" x2 =\"" + n(x2) + "\" y2=\"" +
+             n(y2) + "\" " + style + "/>");
 }
 
-void RunCases(const std::vector<Case>& cases) {
-    for (const auto& c : cases) {
-        CMySVGWriter w;
-        c.draw(w);
-        EXPECT_EQ(Out(w), c.expected) << c.name;
-    }
-}
+using Draw = std::function<void(CMySVGWriter&)>;
 
 }  // namespace
 
-TEST(WriterShapes, Elements) {
-    const unsigned short counts[] = {3, 3};
-    const tagPOINT tri[] = {{0, 0}, {10, 0}, {0, 10}, {20, 20}, {30, 20}, {20, 30}};
-    RunCases({
-        {"line", [](CMySVGWriter& w) { w.DrawLine(10, 20, 30, 40, QString()); },
-         L(R"(<line x1="10" y1 = "20" x2 ="30" y2="40" )" + kDefault + "/>")},
-        {"line-to moves",
+TEST(WriterOutput, ShapesPathsAndCurves) {
+    const QString red = QStringLiteral(" stroke=\"red\" ");
+    const std::string rect = R"(<rect x="1" y="2" width="3" height="4" rx="5" ry="6" )";
+    const std::vector<std::tuple<const char*, Draw, std::string>> cases = {
+        {"element texts; a polyline takes the pen style, not the argument",
          [](CMySVGWriter& w) {
-             w.MoveTo(3, 4);
-             w.DrawLineTo(-1, 5, kRed);
-             w.DrawLineTo(0, 0, kRed);
-         },
-         L(R"(<line x1="3" y1 = "4" x2 ="-1" y2="5"  stroke="red"/>)") + LineFrom(-1, 5)},
-        {"polygon", [](CMySVGWriter& w) { w.DrawPolyLine(kP, 2, true, false, kRed); },
-         L("<polygon points=\"0,0 5,0 \n\"  stroke=\"red\"/>")},
-        {"polyline: the pen style, not the argument",
-         [](CMySVGWriter& w) { w.DrawPolyLine(kP + 3, 1, false, false, kRed); },
-         L("<polyline points=\"1,2 \n\" " + kPen + "/>")},
-        {"poly-line-to",
-         [](CMySVGWriter& w) {
-             const tagPOINTS p[] = {{5, 5}, {9, -32768}};
-             w.DrawPolyLine(p, 2, false, true, kRed);
-             w.DrawLineTo(0, 0, kRed);
-         },
-         L("<polyline points=\"5,5 9,-32768 \n\" " + kPen + "/>") +
-             L(R"(<line x1="0" y1 = "0" x2 ="5" y2="5" )" + kDefault + "/>") + LineFrom(9, -32768)},
-        {"poly-polygon", [&](CMySVGWriter& w) { w.DrawPolyPolygon(tri, counts, 2, kRed); },
-         L(R"(<path d=" M0,0  L10,0  L0,10  Z M20,20  L30,20  L20,30  Z" fill-rule="evenodd")"
-           R"( stroke="red"/>)")},
-        {"poly-polygon: a style without leading space gets one",
-         [&](CMySVGWriter& w) { w.DrawPolyPolygon(tri, counts, 1, "fill=\"red\""); },
-         L(R"(<path d=" M0,0  L10,0  L0,10  Z" fill-rule="evenodd" fill="red"/>)")},
-        {"circle and ellipse",
-         [](CMySVGWriter& w) {
+             const unsigned short counts[] = {3, 0, 2};  // an empty polygon adds nothing
+             w.DrawLine(10, 20, 30, 40, QString());
+             w.DrawPolyLine(kP, 2, true, false, kRed);
+             w.DrawPolyLine(kP + 3, 1, false, false, kRed);
+             w.DrawPolyPolygon(kP, counts, 3, kRed);
+             w.DrawPolyPolygon(kP, counts + 1, 1, "fill=\"red\"");  // gets a leading space
              w.DrawCircle(5, -6, 7, kRed);
              w.DrawEllipse(5, 6, 7, 8, kRed);
          },
-         L(R"(<circle cx="5" cy = "-6" r="7"  stroke="red"/>)") +
+         Line(10, 20, 30, 40, kDefault) + L("<polygon points=\"0,0 5,0 \n\"  stroke=\"red\"/>") +
+             L("<polyline points=\"1,2 \n\" " + kPen + "/>") +
+             L(R"(<path d=" M0,0  L5,0  L5,5  Z M1,2  L3,4  Z")"
+               R"( fill-rule="evenodd" stroke="red"/>)") +
+             L(R"(<path d="" fill-rule="evenodd" fill="red"/>)") +
+             L(R"(<circle cx="5" cy = "-6" r="7"  stroke="red"/>)") +
              L(R"(<ellipse cx="5" cy = "6" rx = "7" ry = "8 "  stroke="red"/>)")},
-    });
-}
-
-TEST(WriterShapes, RectTakesTheClipOnlyWhileAClipPathIsSelected) {
-    const QString red = QStringLiteral(" stroke=\"red\" ");
-    CMySVGWriter w;
-    w.StyleManager().ExtSetClipRgn(QStringLiteral("ClPath1"));
-    w.DrawRect(0, 0, 5, 5, red, 1, 2);
-    WriterTestPeer::SelectClip(w);
-    w.DrawRect(0, 0, 5, 5, red, 1, 2);
-    w.DrawRect(0, 0, 5, 5, QStringLiteral(" clip-path=\"url(#X)\" "), 1, 2);
-    w.StartPath();  // drops the clip
-    w.DrawRect(0, 0, 5, 5, red, 1, 2);
-    const std::string r = R"(<rect x="0" y="0" width="5" height="5" rx="1" ry="2" )";
-    EXPECT_EQ(Out(w), L(r + R"( stroke="red" />)") +
-                          L(r + R"x( stroke="red" clip-path="url(#ClPath1)"/>)x") +
-                          L(r + R"x( clip-path="url(#X)" />)x") + L(r + R"( stroke="red" />)"));
-}
-
-TEST(WriterPaths, BracketsAndCurves) {
-    RunCases({
-        {"fill a bracket, then fill again with nothing collected",
+        {"line-to, poly-line-to and poly-Bézier-to move the current position, to the last point "
+         "of the list; a poly-Bézier does not; one or two points short of a curve are not drawn",
          [](CMySVGWriter& w) {
-             w.StartPath();
-             w.DrawPolyLine(kP, 3, true, false, kRed);
-             w.EndPath();
-             w.FillPath();
-             w.FillPath();
+             const tagPOINTS p[] = {{5, 5}, {9, -32768}};
+             const tagPOINTS q[] = {{4, 5}, {6, 7}, {8, -9}, {1, 1},
+                                    {2, 2}, {3, 3}, {7, 7},  {9, 9}};
+             w.MoveTo(3, 4);
+             w.DrawPolyLine(p, 2, false, true, kRed);
+             w.DrawLineTo(-1, 5, kRed);
+             w.DrawPolyBeziers(kP, 5, false, kRed);
+             w.DrawPolyBeziers(q, 8, true, QString());
+             w.DrawLineTo(0, 0, kRed);
          },
-         L("\n<path d = \" M0,0  L5,0  L5,5  Z" + kBrush + "/>") +
-             L("\n<path d = \"" + kBrush + "/>")},
-        {"stroke with the default pen: one space after the quote",
-         [](CMySVGWriter& w) {
-             w.AddToPath(QStringLiteral("M1,1"));
-             w.StrokePath();
+         L("<polyline points=\"5,5 9,-32768 \n\" " + kPen + "/>") + Line(3, 4, 5, 5, kDefault) +
+             Line(9, -32768, -1, 5) + L(R"(<path d="M0,0 C5,0 5,5 1,2"  stroke="red"/>)") +
+             L(R"(<path d="M-1,5 C4,5 6,7 8,-9C1,1 2,2 3,3" )" + kDefault + "/>") +
+             Line(9, 9, 0, 0)},
+        {"rect takes the clip only while a clip path is selected and the style has none",
+         [&](CMySVGWriter& w) {
+             w.StyleManager().ExtSetClipRgn(QStringLiteral("ClPath1"));
+             w.DrawRect(1, 2, 3, 4, red, 5, 6);
+             WriterTestPeer::SelectClip(w);
+             w.DrawRect(1, 2, 3, 4, red, 5, 6);
+             w.DrawRect(1, 2, 3, 4, QStringLiteral(" clip-path=\"url(#X)\" "), 5, 6);
+             w.StartPath();  // drops the clip
+             w.DrawRect(1, 2, 3, 4, red, 5, 6);
          },
-         L("\n<path d = \"M1,1\" " + kPen + "/>")},
-        {"stroke with a record pen",
+         L(rect + R"( stroke="red" />)") +
+             L(rect + R"x( stroke="red" clip-path="url(#ClPath1)"/>)x") +
+             L(rect + R"x( clip-path="url(#X)" />)x") + L(rect + R"( stroke="red" />)")},
+        {"bracket data waits for a fill, a second fill has none; curves and close figure",
          [](CMySVGWriter& w) {
-             w.CreatePen(1, 0x200, 2, 0xFF, nullptr, 0);
-             w.SelectObject(1);
-             w.AddToPath(QStringLiteral("M1,1"));
-             w.StrokePath();
-         },
-         L("\n<path d = \"M1,1\" stroke=\"#ff0000\" stroke-width=\"2\" \n "
-           "stroke-linecap = \"butt\" stroke-linejoin = \"round\"  fill=\"none\" />")},
-        {"data outlives its bracket until consumed; abort drops it",
-         [](CMySVGWriter& w) {
+             const tagPOINT p[] = {{3, 7}, {1, 2}, {3, 4}, {5, 6}};
              w.StartPath();
              w.DrawPolyLine(kP, 1, false, true, kRed);
              w.EndPath();
              w.StartPath();
-             w.DrawPolyLine(kP + 1, 1, true, false, kRed);
+             w.DrawPolyLine(kP + 1, 2, true, false, kRed);
              w.FillPath();
-             w.DrawPolyLine(kP, 2, true, false, kRed);
-             w.AbortPath();
              w.FillPath();
-         },
-         L("\n<path d = \" M0,0  Z M5,0  Z" + kBrush + "/>") + L("\n<path d = \"" + kBrush + "/>")},
-        {"poly-Bézier", [](CMySVGWriter& w) { w.DrawPolyBeziers(kP, 4, false, kRed); },
-         L(R"(<path d="M0,0 C5,0 5,5 1,2"  stroke="red"/>)")},
-        {"poly-Bézier-to from the current position",
-         [](CMySVGWriter& w) {
-             const tagPOINTS p[] = {{4, 5}, {6, 7}, {8, -9}};
-             w.MoveTo(2, 3);
-             w.DrawPolyBeziers(p, 3, true, QString());
-             w.DrawLineTo(0, 0, kRed);
-         },
-         L(R"(<path d="M2,3 C4,5 6,7 8,-9" )" + kDefault + "/>") + LineFrom(8, -9)},
-        {"curves in a bracket and close figure",
-         [](CMySVGWriter& w) {
-             const tagPOINT p[] = {{3, 7}, {1, 2}, {3, 4}, {5, 6}};
-             w.StartPath();
              w.DrawPolyBeziers(p, 4, false, kRed);
              w.DrawPolyBeziers(p + 1, 3, true, kRed);  // the figure still starts at (3, 7)
              w.CloseFigure();
              w.CloseFigure();
+             w.StrokePath();  // the default pen: one space after the quote
+         },
+         L("\n<path d = \" M0,0  Z M5,0  L5,5  Z" + kBrush + "/>") +
+             L("\n<path d = \"" + kBrush + "/>") +
+             L("\n<path d = \"M3,7 C1,2 3,4 5,6M0,0 C1,2 3,4 5,6 L3,7  L0,7 \" " + kPen + "/>")},
+        {"no points: elements without a connecting line, no move, no figure start",
+         [](CMySVGWriter& w) {
+             w.MoveTo(7, 8);
+             w.DrawPolyLine(kP, 0, false, true, kRed);
+             w.DrawPolyLine(static_cast<const tagPOINTS*>(nullptr), 5, true, true, kRed);
+             w.DrawPolyBeziers(kP, 0, true, kRed);
+             w.DrawLineTo(0, 0, kRed);
+             w.CloseFigure();
              w.StrokePath();
          },
-         L("\n<path d = \"M3,7 C1,2 3,4 5,6M0,0 C1,2 3,4 5,6 L3,7  L0,7 \" " + kPen + "/>")},
-    });
-    CMySVGWriter w;
-    const tagPOINT six[] = {{1, 2}, {3, 4}, {5, 6}, {7, 8}, {9, 10}, {11, 12}};
-    EXPECT_EQ(w.GetBzrCurveData(six, 6).toStdString(), "C1,2 3,4 5,6C7,8 9,10 11,12");
+         L("<polyline points=\"\n\" " + kPen + "/>") +
+             L("<polygon points=\"\n\"  stroke=\"red\"/>") + Line(7, 8, 0, 0) +
+             L("\n<path d = \" L0,0 \" " + kPen + "/>")},
+    };
+    for (const auto& [name, draw, expected] : cases) {
+        CMySVGWriter w;
+        draw(w);
+        EXPECT_EQ(w.GetSVGOutput().toStdString(), expected) << name;
+    }
 }
 
-TEST(WriterPaths, PolyDrawTypes) {
+TEST(WriterOutput, PolyDrawTypes) {
     const std::vector<std::pair<std::vector<unsigned char>, std::string>> cases = {
         {{6, 2, 3}, " M0,0 L5,0 L5,5 Z "},
         {{6, 4, 0, 0}, " M0,0 C5,0 5,5 1,2"},  // the types after a curve type are not read
@@ -186,74 +139,42 @@ TEST(WriterPaths, PolyDrawTypes) {
         {{7, 0, 1, 8, 6}, " M3,4"},    // move-to with close, and unknown types, add nothing
         {{6, 2, 4, 4}, " M0,0 L5,0"},  // a curve type short of its two points ends the walk
     };
-    for (const auto& c : cases) {
+    for (const auto& [types, data] : cases) {
         CMySVGWriter w;
-        w.DrawMixedPoly(kP, c.first.data(), static_cast<unsigned int>(c.first.size()), kRed);
-        EXPECT_EQ(Out(w), "<path d=\"" + c.second + "\"   stroke=\"red\"/>") << c.second;
+        w.DrawMixedPoly(kP, types.data(), static_cast<unsigned int>(types.size()), kRed);
+        EXPECT_EQ(w.GetSVGOutput().toStdString(), "<path d=\"" + data + "\"   stroke=\"red\"/>");
     }
-}
-
-TEST(WriterPaths, EmptyAndShortLists) {
-    RunCases({
-        {"no points: elements without a connecting line, no move, no figure start",
-         [](CMySVGWriter& w) {
-             w.MoveTo(7, 8);
-             w.DrawPolyLine(kP, 0, false, true, kRed);
-             w.DrawPolyLine(static_cast<const tagPOINTS*>(nullptr), 5, true, true, kRed);
-             w.DrawPolyBeziers(kP, 0, true, kRed);
-             w.DrawPolyBeziers(kP, 0, false, kRed);
-             w.DrawLineTo(0, 0, kRed);
-             w.CloseFigure();
-             w.StrokePath();
-         },
-         L("<polyline points=\"\n\" " + kPen + "/>") +
-             L("<polygon points=\"\n\"  stroke=\"red\"/>") + LineFrom(7, 8) +
-             L("\n<path d = \" L0,0 \" " + kPen + "/>")},
-        {"only whole curve groups", [](CMySVGWriter& w) { w.DrawPolyBeziers(kP, 3, false, kRed); },
-         L(R"(<path d="M0,0 "  stroke="red"/>)")},
-        {"poly-polygon with an empty polygon",
-         [](CMySVGWriter& w) {
-             const unsigned short counts[] = {0, 2};
-             w.DrawPolyPolygon(kP, counts, 2, kRed);
-         },
-         L(R"(<path d=" M0,0  L5,0  Z" fill-rule="evenodd" stroke="red"/>)")},
-    });
-    CMySVGWriter w;
-    EXPECT_EQ(w.GetPathString(kP, 0).toStdString(), "");
-    EXPECT_EQ(w.GetBzrCurveData(kP, 5).toStdString(), "C0,0 5,0 5,5");
 }
 
 // Selection refreshes the writer's current style; deletion leaves it as it was.
 TEST(WriterObjects, HatchedBrushWritesItsPatternOnceAtCreation) {
     CMySVGWriter w;
     w.CreateBrushI(5, 2, 3, 0x0000FF);
-    const std::string pattern = w.StyleManager().GetPatternDef(5).toStdString();
-    ASSERT_FALSE(pattern.empty());
-    EXPECT_EQ(Out(w), pattern);
+    const QString pattern = w.StyleManager().GetPatternDef(5);
+    ASSERT_FALSE(pattern.isEmpty());
+    EXPECT_EQ(w.GetSVGOutput(), pattern);
     w.SelectObject(5);
     w.DeleteObject(5);
     w.DrawRect(0, 0, 1, 1, QString(), 0, 0);
-    EXPECT_EQ(Out(w).find(pattern, 1), std::string::npos);
-    EXPECT_NE(Out(w).find("fill=\"url(#BRUSH_1)\"", pattern.size()), std::string::npos);
+    const QString out = w.GetSVGOutput();
+    EXPECT_TRUE(out.count(pattern) == 1 && out.contains("fill=\"url(#BRUSH_1)\""))
+        << out.toStdString();
 }
 
 TEST(WriterObjects, GeometricPenWidthGoesThroughTheWorldTransform) {
-    struct {
-        unsigned int style, width;
-        float eM11, eDx;
-        const char* expected;
-    } const cases[] = {
-        {0x10000, 3, 1.5f, 0, "4"},            // 4.5 cut toward zero
-        {0x10000, 2, 2.0f, 10, "14"},          // translation included
-        {0x10000, 3, -1.0f, 0, "3"},  // mirrored: the magnitude
-        {0x00000, 3, 1.5f, 10, "3"},           // cosmetic pens keep their width
+    // Pen style, width, eM11, eDx, the stroke width.
+    const std::tuple<unsigned int, unsigned int, float, float, int> cases[] = {
+        {0x10000, 3, 1.6f, 10, 14},  // 14.8: translated, then cut toward zero
+        {0x10000, 3, -1.5f, 0, 4},   // mirrored: the magnitude of -4.5 cut toward zero
+        {0x00000, 3, 1.5f, 10, 3},   // cosmetic pens keep their width
     };
-    for (const auto& c : cases) {
+    for (const auto& [style, width, eM11, eDx, expected] : cases) {
         CMySVGWriter w;
-        w.SetWorldTransform(c.eM11, 0, 0, 1, c.eDx, 0);
-        w.CreatePen(1, c.style, c.width, 0, nullptr, 0);
+        w.SetWorldTransform(eM11, 0, 0, 1, eDx, 0);
+        w.CreatePen(1, style, width, 0, nullptr, 0);
         w.SelectObject(1);
-        const QString width = QStringLiteral("stroke-width=\"%1\"").arg(c.expected);
-        EXPECT_TRUE(w.StyleManager().GetCurrPenStyle().contains(width)) << c.expected;
+        EXPECT_TRUE(w.StyleManager().GetCurrPenStyle().contains(
+            QStringLiteral("stroke-width=\"%1\"").arg(expected)))
+            << expected;
     }
 }
