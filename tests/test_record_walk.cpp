@@ -51,27 +51,6 @@ mfb::Emf Unhandled(mfb::Emf emf, std::initializer_list<uint32_t> types) {
 
 }  // namespace
 
-TEST(RecordLog, EmfBannersAndNamesOfUnhandledRecords) {
-    RecordLog log;
-    mfb::Emf emf;
-    emf.record(mfb::EMR_SETMAPMODE, mfb::Bytes().u32(1));  // handled: not named
-    int status = 0;
-    EXPECT_EQ(log.convert(Unhandled(emf, {mfb::EMR_SETROP2, 69, 1}).build(), &status),
-              kEmfStart + "EMR_SETROP2\nEMR_HEADER \n" + kEmfEnd);
-    EXPECT_EQ(status, 1);
-}
-
-TEST(RecordLog, WmfBannersAndPaddedNames) {
-    RecordLog log;
-    mfb::Wmf wmf;
-    wmf.record(mfb::META_SETTEXTALIGN, mfb::Bytes().u16(0))
-        .record(mfb::META_CREATEBITMAP, mfb::Bytes().u16(0))  // no name: no line
-        .record(mfb::META_SETBKCOLOR, mfb::Bytes().u32(0))
-        .record(mfb::META_SETMAPMODE, mfb::Bytes().u16(1));  // handled
-    EXPECT_EQ(log.convert(wmf.build()),
-              kWmfStart + "META_SETTEXTALIGN           \nMETA_SETBKCOLOR \n" + kWmfEnd);
-}
-
 TEST(RecordLog, SwitchingOffStopsWritingAndRepeatedOnAppends) {
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("a.log"));
@@ -104,7 +83,11 @@ TEST(EmfWalk, StopRules) {
         QByteArray file;
         QString visited;
     } cases[] = {
-        {"all visited", Unhandled(mfb::Emf(), {20, 98}).build(), rop2 + icm},
+        // Handled records (SETMAPMODE) and types without a name (69) write no line.
+        {"all visited",
+         Unhandled(mfb::Emf().record(mfb::EMR_SETMAPMODE, mfb::Bytes().u32(1)), {20, 69, 1, 98})
+             .build(),
+         rop2 + "EMR_HEADER \n" + icm},
         {"record count ends the walk without EOF",
          Unhandled(mfb::Emf().recordCount(1), {20, 98}).build(false), rop2},
         {"records after EOF are not read",
@@ -139,7 +122,17 @@ TEST(WmfWalk, StopRules) {
         QByteArray file;
         QString visited;
     } cases[] = {
-        {"all visited", mfb::Wmf().record(0x0201, bkColor).record(0x0104, rop2).build(), bk + rop},
+        // META_SETTEXTALIGN is not in the handler table; META_CREATEBITMAP has no name;
+        // META_SETMAPMODE is handled.
+        {"all visited",
+         mfb::Wmf()
+             .record(mfb::META_SETTEXTALIGN, mfb::Bytes().u16(0))
+             .record(mfb::META_CREATEBITMAP, mfb::Bytes().u16(0))
+             .record(mfb::META_SETMAPMODE, mfb::Bytes().u16(1))
+             .record(0x0201, bkColor)
+             .record(0x0104, rop2)
+             .build(),
+         "META_SETTEXTALIGN           \n" + bk + rop},
         {"records after EOF are not read",
          mfb::Wmf().record(0x0201, bkColor).record(0, {}).record(0x0104, rop2).build(), bk},
         {"size 0 ends the walk",
