@@ -28,6 +28,12 @@ T ReadHeader(const char* data, uint64_t available) {
     return header;
 }
 
+// Hands a converter's document to the caller as UTF-8.
+void Deliver(const QString& svg, QByteArray& out) {
+    out.clear();
+    out = svg.toUtf8();
+}
+
 }  // namespace
 
 namespace svgtool {
@@ -35,7 +41,6 @@ namespace svgtool {
 int ConvertWMFToSVG(const char* data, uint64_t available, QByteArray& out) {
     TRACE_ENTER();
     if (!data) TRACE_RETURN(0);
-    unsigned char* buffer = nullptr;
     try {
         // Built on the heap: the converter's tables make it large for a thread's stack.
         std::unique_ptr<WMF2SVGConverter> converter(new WMF2SVGConverter);
@@ -55,16 +60,13 @@ int ConvertWMFToSVG(const char* data, uint64_t available, QByteArray& out) {
         const uint64_t total = std::min<uint64_t>((uint64_t)header.mtSize * 2 + offset, available);
         const uint64_t headers = offset + kWmfHeaderSize;
         const uint64_t allocated = std::max(total, headers);
-        buffer = new unsigned char[allocated]();
-        std::memcpy(buffer, data, total);
-        const int result = converter->ConvertWMFToSVG(buffer + headers, (unsigned long)total,
+        std::unique_ptr<unsigned char[]> buffer(new unsigned char[allocated]());
+        std::memcpy(buffer.get(), data, total);
+        const int result = converter->ConvertWMFToSVG(buffer.get() + headers, (unsigned long)total,
                                                       header.mtMaxRecord, g_Logger);
-        out.clear();
-        out = converter->GetOutSVG().toUtf8();
-        delete[] buffer;
+        Deliver(converter->GetOutSVG(), out);
         TRACE_RETURN(result);
     } catch (...) {
-        delete[] buffer;
         LOG_FATAL("Exception occured while converting WMF file to SVG");
         TRACE_RETURN(-1);
     }
@@ -76,7 +78,6 @@ int ConvertEMFToSVG(const char* data, QByteArray& out, unsigned long size) {
     TRACE_ENTER();
     // Too short to hold an EMF header: nothing to convert.
     if (!data || size < kEmfHeaderSize) TRACE_RETURN(0);
-    unsigned char* buffer = nullptr;
     try {
         std::unique_ptr<Emf2SvgConverter> converter(new Emf2SvgConverter);
         tagENHMETAHEADER header = ReadHeader<tagENHMETAHEADER>(data, kEmfHeaderSize);
@@ -85,15 +86,12 @@ int ConvertEMFToSVG(const char* data, QByteArray& out, unsigned long size) {
             LOG_WARN("Invalid EMF data");
             TRACE_RETURN(-2);
         }
-        buffer = new unsigned char[size];
-        std::memcpy(buffer, data, header.nBytes);
-        const int result = converter->ConvertEMFToSVG(buffer, g_Logger);
-        out.clear();
-        out = converter->GetOutSVG().toUtf8();
-        delete[] buffer;
+        std::unique_ptr<unsigned char[]> buffer(new unsigned char[size]);
+        std::memcpy(buffer.get(), data, header.nBytes);
+        const int result = converter->ConvertEMFToSVG(buffer.get(), g_Logger);
+        Deliver(converter->GetOutSVG(), out);
         TRACE_RETURN(result);
     } catch (...) {
-        delete[] buffer;
         LOG_FATAL("Exception occured while converting EMF data to SVG");
         TRACE_RETURN(-1);
     }
