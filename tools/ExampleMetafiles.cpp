@@ -56,12 +56,12 @@ QByteArray ExampleEmf() {
                                           .u32(0)
                                           .u32(0))
         .record(mfb::EMR_SELECTOBJECT, Bytes().u32(4))
+        .record(mfb::EMR_SELECTOBJECT, Bytes().u32(kNullBrush))
         .record(mfb::EMR_POLYLINE16,
                 Poly16({{20, 160}, {60, 200}, {100, 160}, {140, 200}, {180, 160}}))
         .record(mfb::EMR_POLYBEZIER16, Poly16({{220, 200}, {260, 140}, {340, 260}, {380, 180}}));
     // Two squares as one poly-polygon in the stock null brush.
     emf.record(mfb::EMR_SELECTOBJECT, Bytes().u32(1))
-        .record(mfb::EMR_SELECTOBJECT, Bytes().u32(kNullBrush))
         .record(mfb::EMR_POLYPOLYGON16,
                 Bounds()
                     .u32(2)
