@@ -28,10 +28,10 @@ T ReadHeader(const char* data, uint64_t available) {
     return header;
 }
 
-// Hands a converter's document to the caller as UTF-8.
-void Deliver(const QString& svg, QByteArray& out) {
+// Hands a converter's document (UTF-8) to the caller.
+void Deliver(QByteArray svg, QByteArray& out) {
     out.clear();
-    out = svg.toUtf8();
+    out.swap(svg);
 }
 
 }  // namespace
@@ -64,7 +64,7 @@ int ConvertWMFToSVG(const char* data, uint64_t available, QByteArray& out) {
         std::memcpy(buffer.get(), data, total);
         const int result = converter->ConvertWMFToSVG(buffer.get() + headers, (unsigned long)total,
                                                       header.mtMaxRecord, g_Logger);
-        Deliver(converter->GetOutSVG(), out);
+        Deliver(converter->TakeOutSVG(), out);
         TRACE_RETURN(result);
     } catch (...) {
         LOG_FATAL("Exception occured while converting WMF file to SVG");
@@ -89,7 +89,7 @@ int ConvertEMFToSVG(const char* data, QByteArray& out, unsigned long size) {
         std::unique_ptr<unsigned char[]> buffer(new unsigned char[size]);
         std::memcpy(buffer.get(), data, header.nBytes);
         const int result = converter->ConvertEMFToSVG(buffer.get(), g_Logger);
-        Deliver(converter->GetOutSVG(), out);
+        Deliver(converter->TakeOutSVG(), out);
         TRACE_RETURN(result);
     } catch (...) {
         LOG_FATAL("Exception occured while converting EMF data to SVG");

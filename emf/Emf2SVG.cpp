@@ -75,6 +75,10 @@ QString Emf2SvgConverter::GetOutSVG() {
     return m_writer.GetSVGOutput();
 }
 
+QByteArray Emf2SvgConverter::TakeOutSVG() {
+    return m_writer.TakeSVGOutput();
+}
+
 int Emf2SvgConverter::ConvertEMFToSVG(unsigned char* data, CLogger& log) {
     TRACE_ENTER();
     if (!data) TRACE_RETURN(0);

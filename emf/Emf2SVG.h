@@ -34,6 +34,8 @@ class Emf2SvgConverter {
     // the bytes it holds. Returns 1, 0 (null data or no signature) or -1 (exception).
     int ConvertEMFToSVG(unsigned char* data, CLogger& log);
     QString GetOutSVG();
+    // The document as UTF-8, handed over without a copy; the converter keeps no text.
+    QByteArray TakeOutSVG();
 
     void InitEMFRecHandlers();
     void InitEMFText();

@@ -41,6 +41,10 @@ QString WMF2SVGConverter::GetOutSVG() {
     return m_writer.GetSVGOutput();
 }
 
+QByteArray WMF2SVGConverter::TakeOutSVG() {
+    return m_writer.TakeSVGOutput();
+}
+
 int WMF2SVGConverter::ConvertWMFToSVG(unsigned char* records, unsigned long total,
                                       unsigned long maxRecord, CLogger& log) {
     TRACE_ENTER();

@@ -41,6 +41,8 @@ class WMF2SVGConverter {
     void InitWMFRecHandlers();
     void InitWMFText();
     QString GetOutSVG();
+    // The document as UTF-8, handed over without a copy; the converter keeps no text.
+    QByteArray TakeOutSVG();
 
     const char* RecordName(unsigned int function) const {
         return function < kNameTableSize ? m_recordNames[function] : nullptr;
