@@ -45,7 +45,8 @@ QRect RectOf(const tagRECT& r) {
 }  // namespace
 
 Emf2SvgConverter::Emf2SvgConverter()
-    : m_recordNames(),
+    : m_handlers(nullptr),
+      m_recordNames(nullptr),
       m_vpScaleX(1.0f),
       m_vpScaleY(1.0f),
       m_worldXform{1.0f, 0.0f, 0.0f, 1.0f, 0.0f, 0.0f},
@@ -154,8 +155,11 @@ void Emf2SvgConverter::WalkRecords(unsigned char* data, const tagENHMETAHEADER& 
         std::memcpy(&emr, data + pos, sizeof emr);
         InitEMR(emr);
         if (emr.nSize < sizeof(tagEMR) || !records::Fits(pos, emr.nSize, end)) break;
-        unsigned char* copy = m_recordCopy.Fill(data + pos, emr.nSize);
         if (emr.iType == kEmrEof) break;
+        // A record without a handler is only named: its type is all that is read of it.
+        const HandlerEntry* entry = HandlerFor(emr.iType);
+        unsigned char* copy = entry ? m_recordCopy.Fill(data + pos, emr.nSize, entry->fixed)
+                                    : m_recordCopy.Fill(data + pos, sizeof(tagEMR), 0);
         HandleEnhMetaRecordData(copy, emr.nSize, log);
         if (++count == header.nRecords) break;
         pos += emr.nSize;
@@ -170,11 +174,11 @@ int Emf2SvgConverter::HandleEnhMetaRecordData(unsigned char* record, unsigned in
     tagEMR emr;
     std::memcpy(&emr, record, sizeof emr);
     InitEMRMETARECORD(emr);
-    const auto it = m_handlers.find(emr.iType);
-    if (it == m_handlers.end()) {
+    const HandlerEntry* entry = HandlerFor(emr.iType);
+    if (!entry) {
         log.LogString(RecordName(emr.iType));
         TRACE_RETURN(1);
     }
-    const int result = (this->*(it->second))(record, size);
+    const int result = (this->*(entry->handler))(record, size);
     TRACE_RETURN(result);
 }

@@ -96,7 +96,8 @@ int WMF2SVGConverter::OnMetaPolyPolygon(unsigned char* record, unsigned int size
             points.push_back(tagPOINT{MapX(p.x), MapY(p.y)});
         }
     }
-    m_writer.DrawPolyPolygon(points.data(), counts.data(), (unsigned int)counts.size(), QByteArray());
+    m_writer.DrawPolyPolygon(points.data(), counts.data(), (unsigned int)counts.size(),
+                             QByteArray());
     TRACE_RETURN(1);
 }
 
@@ -104,8 +105,8 @@ int WMF2SVGConverter::OnMetaRectangle(unsigned char* record, unsigned int size) 
     TRACE_ENTER();
     if (size == 0) TRACE_RETURN(0);
     const tagRECT box = MapEdges(ReadWmfRecord(record, InitWMRELLIPSE));
-    m_writer.DrawRect(box.left, box.top, box.right - box.left, box.bottom - box.top, QByteArray(), 0,
-                      0);
+    m_writer.DrawRect(box.left, box.top, box.right - box.left, box.bottom - box.top, QByteArray(),
+                      0, 0);
     TRACE_RETURN(1);
 }
 
