@@ -80,7 +80,7 @@ QByteArray Emf2SvgConverter::TakeOutSVG() {
     return m_writer.TakeSVGOutput();
 }
 
-int Emf2SvgConverter::ConvertEMFToSVG(unsigned char* data, CLogger& log) {
+int Emf2SvgConverter::ConvertEMFToSVG(const unsigned char* data, CLogger& log) {
     TRACE_ENTER();
     if (!data) TRACE_RETURN(0);
     tagENHMETAHEADER header;
@@ -142,7 +142,7 @@ void Emf2SvgConverter::SetupPicture(const tagENHMETAHEADER& h) {
     return;
 }
 
-void Emf2SvgConverter::WalkRecords(unsigned char* data, const tagENHMETAHEADER& header,
+void Emf2SvgConverter::WalkRecords(const unsigned char* data, const tagENHMETAHEADER& header,
                                    CLogger& log) {
     if (header.nRecords == 0) return;
     // The buffer holds nBytes bytes. A record that does not fit, or whose size cannot hold

@@ -39,7 +39,7 @@ class Emf2SvgConverter {
     static int IsValidEMFFile(tagENHMETAHEADER& header);
     // Converts the whole file at `data`, whose header's nBytes the caller has checked against
     // the bytes it holds. Returns 1, 0 (null data or no signature) or -1 (exception).
-    int ConvertEMFToSVG(unsigned char* data, CLogger& log);
+    int ConvertEMFToSVG(const unsigned char* data, CLogger& log);
     QString GetOutSVG();
     // The document as UTF-8, handed over without a copy; the converter keeps no text.
     QByteArray TakeOutSVG();
@@ -65,7 +65,7 @@ class Emf2SvgConverter {
     // Picture origin and size from the header (the document is opened at that size).
     void SetupPicture(const tagENHMETAHEADER& header);
     // Walks the records after the header; returns false when an exception ended the walk.
-    void WalkRecords(unsigned char* data, const tagENHMETAHEADER& header, CLogger& log);
+    void WalkRecords(const unsigned char* data, const tagENHMETAHEADER& header, CLogger& log);
     int MapLength(float v);
     int MapAxis(int v, float divisor, int32_t windowOrg, int origin, int withOrigin);
 

@@ -46,7 +46,7 @@ QByteArray WMF2SVGConverter::TakeOutSVG() {
     return m_writer.TakeSVGOutput();
 }
 
-int WMF2SVGConverter::ConvertWMFToSVG(unsigned char* records, unsigned long total,
+int WMF2SVGConverter::ConvertWMFToSVG(const unsigned char* records, unsigned long total,
                                       unsigned long maxRecord, CLogger& log) {
     TRACE_ENTER();
     if (!records) TRACE_RETURN(0);
@@ -75,7 +75,7 @@ int WMF2SVGConverter::ConvertWMFToSVG(unsigned char* records, unsigned long tota
     TRACE_RETURN(2);
 }
 
-void WMF2SVGConverter::WalkRecords(unsigned char* records, unsigned long total,
+void WMF2SVGConverter::WalkRecords(const unsigned char* records, unsigned long total,
                                    unsigned long maxRecord, CLogger& log) {
     // The records occupy what the headers leave of `total`. A record that does not fit, or
     // whose size is 0, ends the walk; every step advances by at least 2 bytes.

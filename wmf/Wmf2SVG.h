@@ -43,7 +43,7 @@ class WMF2SVGConverter {
     // `records` is the first record after the headers; `total` the file's byte count with the
     // headers; `maxRecord` the header's largest record size in words. Returns 2, 0 (null
     // records) or -1 (exception during the walk).
-    int ConvertWMFToSVG(unsigned char* records, unsigned long total, unsigned long maxRecord,
+    int ConvertWMFToSVG(const unsigned char* records, unsigned long total, unsigned long maxRecord,
                         CLogger& log);
     int HandleWMFRecordData(unsigned char* record, unsigned int size, CLogger& log);
     void InitWMFRecHandlers();
@@ -67,7 +67,7 @@ class WMF2SVGConverter {
     CMySVGWriter& Writer() { return m_writer; }
 
   private:
-    void WalkRecords(unsigned char* records, unsigned long total, unsigned long maxRecord,
+    void WalkRecords(const unsigned char* records, unsigned long total, unsigned long maxRecord,
                      CLogger& log);
     short MapAxis(short v, int16_t windowOrg, float factor) const;
 
