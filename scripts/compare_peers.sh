@@ -16,19 +16,7 @@ rounds=${ROUNDS:-21}
 corpus=${CORPUS:-$(dirname "$(pwd)")/shared/corpus}
 max_records=${MAX_RECORDS:-1000000}
 
-packages=(cmake ninja-build g++ pkg-config qt6-base-dev libemf2svg-dev libwmf-dev libbenchmark-dev)
-missing=()
-for p in "${packages[@]}"; do
-    dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
-done
-if [ ${#missing[@]} -gt 0 ]; then
-    echo "Installing: ${missing[*]}"
-    SUDO=""
-    [ "$(id -u)" -ne 0 ] && SUDO="sudo"
-    export DEBIAN_FRONTEND=noninteractive
-    $SUDO apt-get install -y -qq "${missing[@]}" >/dev/null 2>&1 ||
-        { $SUDO apt-get update -qq && $SUDO apt-get install -y -qq "${missing[@]}" >/dev/null; }
-fi
+scripts/setup.sh libemf2svg-dev libwmf-dev libbenchmark-dev
 
 cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DSVGMODULE_FUZZ=OFF \
     -DSVGMODULE_TESTS=OFF -DSVGMODULE_BENCH=ON >"$build.configure.log" 2>&1 ||
