@@ -1,6 +1,7 @@
 #include "tests/TestUtil.h"
 
 #include <QDir>
+#include <QSysInfo>
 #include <mutex>
 
 #include "byteorder/BEndTools.h"
@@ -70,7 +71,7 @@ std::vector<std::string> LogCapture::at(basic_logging::Level level) const {
 }
 
 ForceBigEndian::ForceBigEndian() {
-    SetByteOrderOverride(true, true);
+    SetByteOrderOverride(true, QSysInfo::ByteOrder == QSysInfo::LittleEndian);
 }
 ForceBigEndian::~ForceBigEndian() {
     SetByteOrderOverride(false, false);

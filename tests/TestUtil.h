@@ -46,8 +46,11 @@ class LogCapture {
     std::string m_oldLevel;
 };
 
-// While it lives, the byte-order test answers "big-endian": a metafile built with
-// build(..., swapped = true) then reads as a little-endian file does on a big-endian host.
+// While it lives, the byte-order test gives the opposite of the host's order, so that the
+// converter reverses every field it reads: a metafile built with build(..., swapped = true)
+// then reads as a little-endian file does on a big-endian host. On a little-endian host the
+// test answers "big-endian"; on a big-endian one it answers "little-endian", since there the
+// swapped file is in host order (and the real big-endian path runs on the unswapped files).
 class ForceBigEndian {
   public:
     ForceBigEndian();

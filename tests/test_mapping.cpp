@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "api/Logger.h"
+#include "byteorder/BEndTools.h"
 #include "emf/Emf2SVG.h"
 #include "tests/MetafileBuilder.h"
 #include "tests/TestUtil.h"
@@ -146,6 +147,7 @@ struct WmfRun {
     explicit WmfRun(const QByteArray& file) : bytes(file) {
         _PlaceableMetaHeader ph{};
         std::memcpy(&ph, bytes.constData(), sizeof ph);
+        InitPlaceableMetaHeader(ph);
         const bool placeable = ph.Key == PLACEABLE_KEY;
         converter.InitializeCoordinates(placeable, ph);
         const int headers = placeable ? 40 : 18;
