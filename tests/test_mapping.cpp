@@ -120,6 +120,19 @@ TEST(EmfMapping, WorldTransformAppliesToMapPointOnly) {
     const tagXFORM& w = run.converter.Writer().WorldTransform();
     EXPECT_EQ(w.eM12, 1.0f);
     EXPECT_EQ(w.eM21, -1.0f);
+
+    // Each product is rounded to a float before it is added: 4097 * (1 - 2^-13) rounds to
+    // 4096.5, so both coordinates come to 100. A fused multiply-add, which a compiler may emit
+    // for an FMA machine (s390x, or x86 with -march=haswell), gives 99 on one axis at least.
+    const float nearOne = 1.0f - 1.0f / 8192;
+    EmfRun fused(
+        mfb::Emf()
+            .record(mfb::EMR_SETWORLDTRANSFORM,
+                    Bytes().f32(nearOne).f32(-1).f32(-1).f32(nearOne).f32(100.5f).f32(100.5f))
+            .build());
+    fused.converter.MapPoint(tagPOINTS{4097, 4097}, out);
+    EXPECT_EQ(out.x, 100);
+    EXPECT_EQ(out.y, 100);
 }
 
 TEST(WorldTransform, ModifyModes) {
