@@ -11,8 +11,7 @@
 #
 # The corpus is CORPUS_DIR, else $CORPUS, else shared/corpus next to the repository. Without a
 # corpus, `save` says so and exits 0. Diagnostics are off (LIBLOGGING_LEVEL=OFF) so that only
-# the converter's output is compared. EMULATOR, when set, is the command that runs the
-# converter (scripts/s390x.sh runs an s390x build under qemu-user). Typical use:
+# the converter's output is compared. Typical use:
 #
 #   scripts/corpus_compare.sh save build-old /tmp/before     # with the old build
 #   scripts/corpus_compare.sh save build /tmp/after          # with the new one
@@ -46,7 +45,6 @@ save() {
     corpus=$(cd "$corpus" && pwd)
     out=$(cd "$out" && pwd)
     export BIN=$bin CORPUS_ROOT=$corpus OUT_ROOT=$out LIMIT=$limit LIBLOGGING_LEVEL=OFF
-    export EMULATOR=${EMULATOR:-}
     # One conversion per input: NAME.svg and NAME.status under OUT_ROOT.
     # shellcheck disable=SC2016
     find "$corpus" -type f \( -iname '*.emf' -o -iname '*.wmf' \) -print0 | sort -z |
@@ -54,7 +52,7 @@ save() {
             rel=${1#"$CORPUS_ROOT"/}
             dest=$OUT_ROOT/$rel
             mkdir -p "$(dirname "$dest")"
-            timeout "$LIMIT" $EMULATOR "$BIN" "$1" -o "$dest.svg" >/dev/null 2>"$dest.stderr"
+            timeout "$LIMIT" "$BIN" "$1" -o "$dest.svg" >/dev/null 2>"$dest.stderr"
             rc=$?
             { echo "exit $rc"; sed "s|$CORPUS_ROOT/||g" "$dest.stderr"; } >"$dest.status"
             rm -f "$dest.stderr"
