@@ -16,6 +16,10 @@ bool IsSpace(char c) {
     return c == ' ' || c == '\t' || c == '\n' || c == '\r';
 }
 
+bool IsTagEnd(char c) {
+    return c == '>' || c == '/' || c == '<';
+}
+
 bool IsNameStart(char c) {
     const unsigned char u = (unsigned char)c;
     return (u >= 'a' && u <= 'z') || (u >= 'A' && u <= 'Z') || u == '_' || u == ':' || u >= 0x80;
@@ -92,23 +96,23 @@ class Repairer {
         return npos;
     }
 
-    // Reads the start tag at `pos`, applies the fixes to it and returns the index past its '>'
-    // (npos when the tag is not closed, which leaves it untouched).
+    // Reads the start tag at `pos`, applies the fixes to it and returns the index past its '>'.
+    // A tag that is not closed, or holds a '<' outside its values, is left untouched: the scan
+    // goes on at that '<' (npos at the end of the input).
     size_t StartTag(size_t pos, bool isRoot) {
         const size_t n = m_text.size();
         size_t i = pos + 1;
-        while (i < n && !IsSpace(m_text[i]) && m_text[i] != '/' && m_text[i] != '>') ++i;
+        while (i < n && !IsSpace(m_text[i]) && !IsTagEnd(m_text[i])) ++i;
         const size_t nameEnd = i;
         m_attributes.clear();
         for (;;) {
             const size_t cut = i;
             while (i < n && IsSpace(m_text[i])) ++i;
             if (i >= n) return npos;
+            if (m_text[i] == '<') return i;
             if (m_text[i] == '>') break;
             const size_t nameStart = i;
-            while (i < n && !IsSpace(m_text[i]) && m_text[i] != '=' && m_text[i] != '>' &&
-                   m_text[i] != '/')
-                ++i;
+            while (i < n && !IsSpace(m_text[i]) && m_text[i] != '=' && !IsTagEnd(m_text[i])) ++i;
             if (i == nameStart) {  // a '/' or a stray '='
                 ++i;
                 continue;
@@ -125,7 +129,7 @@ class Repairer {
                     if (j == npos) return npos;
                     ++j;
                 } else {
-                    while (j < n && !IsSpace(m_text[j]) && m_text[j] != '>') ++j;
+                    while (j < n && !IsSpace(m_text[j]) && !IsTagEnd(m_text[j])) ++j;
                 }
                 i = j;
             }
