@@ -182,7 +182,7 @@ TEST_F(CommandLine, FoldersNamesSummaryAndGallery) {
     const QByteArray linked = Read(page);
     EXPECT_TRUE(linked.contains("src=\"out/sub/b.svg\"")) << linked.left(3000).constData();
     EXPECT_TRUE(
-        linked.contains("<b>sub/junk.emf</b><br>40 B <span class=\"status\">refused, "
+        linked.contains("<b>sub/junk.emf</b><br>40 B<br><span class=\"status\">refused, "
                         "status -3"));
     EXPECT_EQ(Cli({"--gallery", page, In("a.emf")}).exitCode, 0);
     const QByteArray svg = RepairSvg(testutil::Convert(Read(In("a.emf"))).svg.toUtf8());

@@ -75,7 +75,10 @@ void Console::Message(const std::string& line) {
 
 void Console::Progress(size_t done, size_t total) {
     if (!m_bar) return;
-    const std::string line = ProgressLine(done, total, Seconds(), TerminalWidth() - 1);
+    const double now = Seconds();
+    if (done < total && now - m_drawnAt < 0.1) return;  // ten updates a second are plenty
+    m_drawnAt = now;
+    const std::string line = ProgressLine(done, total, now, TerminalWidth() - 1);
     std::lock_guard<std::mutex> lock(m_mutex);
     std::fprintf(stderr, "\r%s\033[K", line.c_str());
     std::fflush(stderr);

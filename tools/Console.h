@@ -35,6 +35,7 @@ class Console {
     std::mutex m_mutex;
     bool m_bar;
     bool m_drawn = false;
+    double m_drawnAt = -1;  // when the bar was last drawn
     std::string m_line;
     std::chrono::steady_clock::time_point m_start;
 };

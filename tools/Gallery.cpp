@@ -47,15 +47,15 @@ QString ImageSource(const QDir& pageDir, const Job& job, const JobResult& result
 }
 
 QString Card(const QDir& pageDir, const Job& job, const JobResult& result) {
-    QString image, status;
+    QString image, sizes = Size(result.inputSize), status;
     switch (result.outcome) {
         case JobResult::Converted:
             image = QLatin1String(
                         "<img alt=\"\" onload=\"settled(this, true)\" "
                         "onerror=\"settled(this, false)\" src=\"") +
                     ImageSource(pageDir, job, result) + QLatin1String("\">");
-            status = QString::fromLatin1(StatusMeaning(result.status)) + QLatin1String(", ") +
-                     Size(result.svgSize) + QLatin1String(" of SVG");
+            sizes += QString::fromUtf8(" \u2192 ") + Size(result.svgSize) + QLatin1String(" SVG");
+            status = QString::fromLatin1(StatusMeaning(result.status));
             break;
         case JobResult::Refused:
             status = QLatin1String("refused, status ") + QString::number(result.status) +
@@ -71,8 +71,8 @@ QString Card(const QDir& pageDir, const Job& job, const JobResult& result) {
     const bool converted = result.outcome == JobResult::Converted;
     return QLatin1String(converted ? "<figure>" : "<figure class=\"refused\">") +
            QLatin1String("<div class=\"view\">") + image + QLatin1String("</div><figcaption><b>") +
-           job.name.toHtmlEscaped() + QLatin1String("</b><br>") + Size(result.inputSize) +
-           QLatin1String(" <span class=\"status\">") + status.toHtmlEscaped() +
+           job.name.toHtmlEscaped() + QLatin1String("</b><br>") + sizes +
+           QLatin1String("<br><span class=\"status\">") + status.toHtmlEscaped() +
            QLatin1String("</span></figcaption></figure>\n");
 }
 
