@@ -10,6 +10,7 @@
 #include <condition_variable>
 #include <map>
 #include <mutex>
+#include <system_error>
 #include <thread>
 
 #include "Console.h"
@@ -92,6 +93,22 @@ QString FindCollision(const std::vector<Job>& jobs, std::vector<bool>* shared) {
     return clash;
 }
 
+// Converts one job and writes its output; the document is kept only when asked for.
+JobResult RunJob(const Job& job, const BatchOptions& options) {
+    JobResult result;
+    try {
+        result = ConvertFile(job.input, options.exact);
+        if (result.outcome == JobResult::Converted && !job.output.isEmpty() &&
+            !WriteFile(job.output, result.svg))
+            result.outcome = JobResult::NotWritten;
+    } catch (...) {  // out of memory: the file counts as ended by an exception
+        result.outcome = JobResult::Refused;
+        result.status = -1;
+    }
+    if (!options.keepSvg) result.svg = QByteArray();
+    return result;
+}
+
 }  // namespace
 
 QString PlanJobs(const QStringList& inputs, bool recursive, const QString& outputDir,
@@ -141,11 +158,7 @@ std::vector<JobResult> RunJobs(const std::vector<Job>& jobs, const BatchOptions&
 
     auto work = [&]() {
         for (size_t i; (i = next++) < total;) {
-            JobResult result = ConvertFile(jobs[i].input, options.exact);
-            if (result.outcome == JobResult::Converted && !jobs[i].output.isEmpty() &&
-                !WriteFile(jobs[i].output, result.svg))
-                result.outcome = JobResult::NotWritten;
-            if (!options.keepSvg) result.svg = QByteArray();
+            JobResult result = RunJob(jobs[i], options);
             std::lock_guard<std::mutex> lock(mutex);
             results[i] = std::move(result);
             done[i] = true;
@@ -154,8 +167,18 @@ std::vector<JobResult> RunJobs(const std::vector<Job>& jobs, const BatchOptions&
         }
     };
     std::vector<std::thread> threads;
+    struct Joiner {
+        std::vector<std::thread>& threads;
+        ~Joiner() {
+            for (std::thread& thread : threads) thread.join();
+        }
+    } joiner{threads};
     const size_t count = std::min(total, (size_t)std::max(1, options.jobs));
-    for (size_t t = 0; t < count; ++t) threads.emplace_back(work);
+    try {
+        for (size_t t = 0; t < count; ++t) threads.emplace_back(work);
+    } catch (const std::system_error&) {
+        if (threads.empty()) work();  // no thread to be had: convert on this one
+    }
 
     size_t reported = 0;
     std::unique_lock<std::mutex> lock(mutex);
@@ -167,8 +190,6 @@ std::vector<JobResult> RunJobs(const std::vector<Job>& jobs, const BatchOptions&
         console.Progress(finished, total);
         if (reported < total) changed.wait_for(lock, std::chrono::milliseconds(100));
     }
-    lock.unlock();
-    for (std::thread& thread : threads) thread.join();
     return results;
 }
 
