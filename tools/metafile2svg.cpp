@@ -52,7 +52,9 @@ int ConvertOne(const Options& options) {
         message = "metafile2svg: cannot write to standard output";
     } else if (message.empty()) {
         if (WriteFile(options.output, result.svg)) return 0;
-        message = "metafile2svg: cannot write " + options.output.toLocal8Bit().toStdString();
+        JobResult unwritten;
+        unwritten.outcome = JobResult::NotWritten;
+        message = FailureMessage(job, unwritten);
     }
     std::fprintf(stderr, "%s\n", message.c_str());
     return 1;
