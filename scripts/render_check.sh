@@ -15,16 +15,7 @@ bin="$build/metafile2svg"
 [ -x "$bin" ] || { echo "no $bin: build first"; exit 1; }
 [ -d "$corpus" ] || { echo "no corpus at $corpus"; exit 1; }
 
-missing=()
-for p in chromium librsvg2-bin libxml2-utils; do
-    dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
-done
-if [ ${#missing[@]} -gt 0 ]; then
-    SUDO=""
-    [ "$(id -u)" -ne 0 ] && SUDO="sudo"
-    $SUDO apt-get update -qq
-    DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq "${missing[@]}" >/dev/null
-fi
+scripts/setup.sh chromium librsvg2-bin libxml2-utils
 
 work="$(cd "$build" && pwd)/render-check"
 rm -rf "$work"
