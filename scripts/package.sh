@@ -6,6 +6,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 dir="${1:-build-deb}"
 shift || true
+scripts/setup.sh dpkg-dev file
 scripts/build.sh "$dir" -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX=/usr \
     -DSVGMODULE_TESTS=OFF -DSVGMODULE_FUZZ=OFF -DSVGMODULE_BENCH=OFF "$@" >/dev/null
 rm -f "$dir"/*.deb
