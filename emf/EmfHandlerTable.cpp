@@ -47,6 +47,11 @@ void Emf2SvgConverter::InitEMFRecHandlers() {
         {62, &Emf2SvgConverter::OnFillPath},
         {64, &Emf2SvgConverter::OnStrokePath},
         {68, &Emf2SvgConverter::OnAbortPath},
+        {76, &Emf2SvgConverter::OnBitBlt},
+        {77, &Emf2SvgConverter::OnStretchBlt},
+        {78, &Emf2SvgConverter::OnMaskBlt},
+        {79, &Emf2SvgConverter::OnPlgBlt},
+        {81, &Emf2SvgConverter::OnStretchDIB},
         {82, &Emf2SvgConverter::OnExtCreateFontIndirect},
         {85, &Emf2SvgConverter::OnPolyBezier16},
         {86, &Emf2SvgConverter::OnPolygon16},
@@ -58,6 +63,7 @@ void Emf2SvgConverter::InitEMFRecHandlers() {
         {92, &Emf2SvgConverter::OnPolyDraw},
         {93, &Emf2SvgConverter::OnCreateMonoBrush},
         {95, &Emf2SvgConverter::OnCreatePenEx},
+        {116, &Emf2SvgConverter::OnTransparentBlt},
     };
     for (const auto& entry : kTable) m_handlers[entry.type] = entry.handler;
     TRACE_RETURN();

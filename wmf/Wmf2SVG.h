@@ -90,6 +90,13 @@ class WMF2SVGConverter {
     void DrawMappedPolyLine(const unsigned char* record, unsigned int size, bool closed);
     tagRECT MapEdges(const tagWMRELLIPSE& record);
 
+    // Bitmap records (WmfBitmaps.cpp).
+    int OnDIBBitBlt(unsigned char* record, unsigned int size);
+    int OnDIBStretchBlt(unsigned char* record, unsigned int size);
+    int OnStretchDIB(unsigned char* record, unsigned int size);
+    void DrawBitmap(const unsigned char* record, unsigned int size, size_t headerOffset, int16_t x,
+                    int16_t y, uint16_t width, uint16_t height);
+
     std::map<unsigned int, Handler> m_handlers;
     std::map<int, tagHandle> m_handles;
     std::set<int> m_freeSlots;  // keys of m_handles whose free flag is set

@@ -34,6 +34,11 @@ void WMF2SVGConverter::InitWMFRecHandlers() {
         {0x0538, &WMF2SVGConverter::OnMetaPolyPolygon},          // META_POLYPOLYGON
         {0x061D, &WMF2SVGConverter::OnMetaPatBlt},               // META_PATBLT
         {0x0817, &WMF2SVGConverter::OnMetaArc},                  // META_ARC
+        {0x0922, &WMF2SVGConverter::OnDIBBitBlt},                // META_BITBLT
+        {0x0940, &WMF2SVGConverter::OnDIBBitBlt},                // META_DIBBITBLT
+        {0x0B23, &WMF2SVGConverter::OnStretchDIB},               // META_STRETCHBLT
+        {0x0B41, &WMF2SVGConverter::OnDIBStretchBlt},            // META_DIBSTRETCHBLT
+        {0x0F43, &WMF2SVGConverter::OnStretchDIB},               // META_STRETCHDIB
     };
     for (const auto& entry : kTable) m_handlers[entry.function] = entry.handler;
     TRACE_RETURN();
