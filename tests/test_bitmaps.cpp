@@ -23,13 +23,7 @@ namespace {
 const int kSrcAnd = dib::kSrcAnd;
 const QRgb kBlack = 0xFF000000, kWhite = 0xFFFFFFFF;
 
-// A bitmap header with `colours` (0x00RRGGBB, stored as bytes) after it.
-Bytes Header(int32_t w, int32_t h, uint16_t bitCount,
-             std::initializer_list<uint32_t> colours = {}) {
-    Bytes b = Bytes().u32(40).i32(w).i32(h).u16(1).u16(bitCount).zeros(24);
-    for (uint32_t c : colours) b.u8(c & 0xFF).u8(c >> 8 & 0xFF).u8(c >> 16 & 0xFF).u8(0);
-    return b;
-}
+using mfb::BitmapInfo;
 Bytes U8s(std::initializer_list<int> v) {
     Bytes b;
     for (int x : v) b.u8((uint8_t)x);
@@ -97,28 +91,30 @@ TEST(BitmapDecoding, EveryBitCountRowOrderAndPadding) {
         Pixels pixels;
     } cases[] = {
         {"4-bit, bottom-up, 1 byte after each row",
-         Decode(Header(3, 2, 4, {0x112233, 0x445566, 0x778899, 0xAABBCC, 0xDDEEFF, 0x010203}),
+         Decode(BitmapInfo(3, 2, 4, {0x112233, 0x445566, 0x778899, 0xAABBCC, 0xDDEEFF, 0x010203}),
                 U8s({0x01, 0x20, 9, 0x34, 0x50}), -1, 1),
          {0xFFAABBCC, 0xFFDDEEFF, 0xFF010203, 0xFF112233, 0xFF445566, 0xFF778899}},
         {"8-bit, top-down",
-         Decode(Header(2, -2, 8, {0xFF0000, 0x00FF00, 0x0000FF, 0x123456}),
+         Decode(BitmapInfo(2, -2, 8, {0xFF0000, 0x00FF00, 0x0000FF, 0x123456}),
                 U8s({0, 1, 9, 9, 2, 3})),
          {0xFFFF0000, 0xFF00FF00, 0xFF0000FF, 0xFF123456}},
         {"16-bit 5-5-5, odd width padded",
-         Decode(Header(3, 2, 16),
+         Decode(BitmapInfo(3, 2, 16),
                 Bytes().u16(0x001F).u16(0x03E0).u16(0x7C00).u16(9).u16(0x7FFF).u16(0x0001).u16(0)),
          {kWhite, 0xFF00000F, kBlack, 0xFF0000FF, 0xFF00FF00, 0xFFFF0000}},
         {"24-bit, width 3: 3 bytes after each row",
-         Decode(Header(3, 2, 24),
+         Decode(BitmapInfo(3, 2, 24),
                 U8s({1, 2, 3, 4, 5, 6, 7, 8, 9, 0, 0, 0, 9, 8, 7, 6, 5, 4, 3, 2, 1})),
          {0xFF070809, 0xFF040506, 0xFF010203, 0xFF030201, 0xFF060504, 0xFF090807}},
         {"24-bit, width 4: no padding",
-         Decode(Header(4, 1, 24), U8s({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12})),
+         Decode(BitmapInfo(4, 1, 24), U8s({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12})),
          {0xFF030201, 0xFF060504, 0xFF090807, 0xFF0C0B0A}},
         {"32-bit, transparent key red: red pixels turn white",
-         Decode(Header(2, 1, 32), U8s({0, 0, 255, 7, 1, 2, 3, 0}), 0x000000FF),
+         Decode(BitmapInfo(2, 1, 32), U8s({0, 0, 255, 7, 1, 2, 3, 0}), 0x000000FF),
          {kWhite, 0xFF030201}},
-        {"32-bit, key 0 never matches", Decode(Header(1, 1, 32), U8s({0, 0, 0, 0}), 0), {kBlack}},
+        {"32-bit, key 0 never matches",
+         Decode(BitmapInfo(1, 1, 32), U8s({0, 0, 0, 0}), 0),
+         {kBlack}},
     };
     for (const auto& c : cases) EXPECT_EQ(PixelsOf(c.image), c.pixels) << c.what;
 }
@@ -126,8 +122,8 @@ TEST(BitmapDecoding, EveryBitCountRowOrderAndPadding) {
 // A monochrome bitmap is not drawn; the next 4-, 8- or 16-bit bitmap drawn with SRCAND turns
 // transparent where it is black; any bitmap of 4 to 32 bits ends it, other bit counts keep it.
 TEST(BitmapDecoding, PendingMask) {
-    const Bytes mask = Header(2, 1, 1, {0x000000, 0xFFFFFF}), maskBits = U8s({0x40, 0, 0, 0});
-    const Bytes grey = Header(2, 1, 8, {0x808080}), greyBits = U8s({0, 0, 0, 0});
+    const Bytes mask = BitmapInfo(2, 1, 1, {0x000000, 0xFFFFFF}), maskBits = U8s({0x40, 0, 0, 0});
+    const Bytes grey = BitmapInfo(2, 1, 8, {0x808080}), greyBits = U8s({0, 0, 0, 0});
     const QRgb g = 0xFF808080;
     const struct {
         bool maskFirst;
@@ -138,10 +134,10 @@ TEST(BitmapDecoding, PendingMask) {
     } cases[] = {
         {true, grey, greyBits, kSrcAnd, {0, g}, {g, g}},
         {true, grey, greyBits, -1, {g, g}, {g, g}},
-        {true, Header(2, 1, 16), Bytes().u16(0).u16(0), kSrcAnd, {0, kBlack}, {g, g}},
-        {true, Header(2, 1, 4, {0x808080}), greyBits, kSrcAnd, {0, g}, {g, g}},
-        {true, Header(2, 1, 2), greyBits, kSrcAnd, {}, {0, g}},
-        {true, Header(2, 1, 64), greyBits, kSrcAnd, {}, {0, g}},
+        {true, BitmapInfo(2, 1, 16), Bytes().u16(0).u16(0), kSrcAnd, {0, kBlack}, {g, g}},
+        {true, BitmapInfo(2, 1, 4, {0x808080}), greyBits, kSrcAnd, {0, g}, {g, g}},
+        {true, BitmapInfo(2, 1, 2), greyBits, kSrcAnd, {}, {0, g}},
+        {true, BitmapInfo(2, 1, 64), greyBits, kSrcAnd, {}, {0, g}},
         {false, grey, greyBits, kSrcAnd, {g, g}, {g, g}},
     };
     for (const auto& c : cases) {
@@ -158,12 +154,13 @@ TEST(BitmapDecoding, PendingMask) {
 TEST(BitmapDecoding, BitsOutsideTheRecordGiveNoImage) {
     const Bytes four = U8s({1, 2, 3, 4});
     for (const Bytes& header :
-         {Header(30000, 30000, 8), Header(30000, 30000, 1), Header(0x7FFFFFFF, 2, 32),
-          Header(2, INT32_MIN, 24), Header(65536, 65536, 16), Header(2, 2, 32), Header(0, 1, 8),
-          Header(-1, 1, 8), Header(1, 0, 8), Header(9, 1, 4)})
+         {BitmapInfo(30000, 30000, 8), BitmapInfo(30000, 30000, 1), BitmapInfo(0x7FFFFFFF, 2, 32),
+          BitmapInfo(2, INT32_MIN, 24), BitmapInfo(65536, 65536, 16), BitmapInfo(2, 2, 32),
+          BitmapInfo(0, 1, 8), BitmapInfo(-1, 1, 8), BitmapInfo(1, 0, 8), BitmapInfo(9, 1, 4)})
         EXPECT_TRUE(Decode(header, four).isNull());
-    EXPECT_TRUE(Decode(Header(9, 1, 4), four, -1, 1000).isNull());
-    EXPECT_FALSE(Decode(Header(8, 1, 4), four, -1, 1000).isNull());  // the last row needs no pad
+    EXPECT_TRUE(Decode(BitmapInfo(9, 1, 4), four, -1, 1000).isNull());
+    EXPECT_FALSE(
+        Decode(BitmapInfo(8, 1, 4), four, -1, 1000).isNull());  // the last row needs no pad
     const unsigned char record[60] = {40};
     dib::DibSource source;
     for (uint64_t offset : {0ull, 21ull, 60ull, 1ull << 40})
@@ -206,7 +203,7 @@ namespace {
 
 const uint32_t kBitBlt = 76, kStretchBlt = 77, kMaskBlt = 78, kPlgBlt = 79, kStretchDib = 81,
                kTransparentBlt = 116;
-const Bytes kRgb = Header(1, 1, 24), kRgbBits = U8s({0x30, 0x20, 0x10, 0});
+const Bytes kRgb = BitmapInfo(1, 1, 24), kRgbBits = U8s({0x30, 0x20, 0x10, 0});
 
 // A bit-block record's payload: destination, raster operation (or transparent colour) and
 // the bitmap after the record's fixed fields; the offsets are 0 when there is no header.
@@ -236,8 +233,8 @@ QString Image(int x, int y, int w, int h) {
 // rectangle; a record without a bitmap, or whose bitmap lies outside it, draws nothing.
 TEST(EmfBitmaps, RecordsDrawTheirBitmapsIntoTheDestination) {
     const uint32_t kPatCopy = 0x00F00021, kBlackness = 0x42;
-    const Bytes mask = Header(5, 1, 1, {0, 0xFFFFFF}), maskBits = U8s({0x50, 0, 0, 0});
-    const Bytes fourBit = Header(5, 2, 4, {0xFF0000, 0x00FF00, 0x0000FF});
+    const Bytes mask = BitmapInfo(5, 1, 1, {0, 0xFFFFFF}), maskBits = U8s({0x50, 0, 0, 0});
+    const Bytes fourBit = BitmapInfo(5, 2, 4, {0xFF0000, 0x00FF00, 0x0000FF});
     mfb::Emf e;
     e.record(mfb::EMR_SETWINDOWORGEX, Bytes().i32(100).i32(100))
         .record(kBitBlt, EmfBlt(kBitBlt, 150, 120, 40, 30, kPatCopy, Bytes(), Bytes()))
@@ -273,7 +270,7 @@ TEST(EmfBitmaps, RecordsDrawTheirBitmapsIntoTheDestination) {
 // The colour table is read from the bits, which follow the 40-byte header directly.
 TEST(WmfBitmaps, RecordsMapTheCornerAndKeepTheSize) {
     const Bytes rgb = Bytes().append(kRgb).append(kRgbBits);
-    const Bytes indexed = Header(1, 1, 8).append(U8s({0, 0x20, 0x10, 0}));
+    const Bytes indexed = BitmapInfo(1, 1, 8).append(U8s({0, 0x20, 0x10, 0}));
     const auto at = [](int x, int y) { return Bytes().i16(y).i16(x); };
     const auto rop = [](int skip) { return Bytes().u32(0xCC0020).zeros(skip); };
     mfb::Wmf w;
@@ -300,8 +297,8 @@ TEST(BitmapDecoding, PendingMaskBelongsToTheThread) {
             .record(kStretchDib, EmfStretchDib(0, 0, 1, 1, op, header, U8s({0, 0, 0, 0})))
             .build();
     };
-    const QByteArray maskOnly = file(0xCC0020, Header(1, 1, 1, {0, 0xFFFFFF}));
-    const QByteArray masked = file(kSrcAnd, Header(1, 1, 8, {0x808080}));
+    const QByteArray maskOnly = file(0xCC0020, BitmapInfo(1, 1, 1, {0, 0xFFFFFF}));
+    const QByteArray masked = file(kSrcAnd, BitmapInfo(1, 1, 8, {0x808080}));
     const auto pixels = [&] {
         const auto images = SplitImages(testutil::Convert(masked).svg).second;
         return images.size() == 1 ? PixelsOf(images[0]) : Pixels();
