@@ -27,12 +27,11 @@ bool CMySVGWriter::WriteBlt(int x, int y, int width, int height, const QByteArra
     TRACE_ENTER();
     const tagPOINT corner = geometry::TransformPoint(m_xform, x, y);
     const tagPOINT size = geometry::TransformPoint(m_xform, width, height);
-    m_stream << "<image x=\"" << corner.x << "\" y=\"" << corner.y << "\" width=\"" << size.x
-             << "\" height=\"" << size.y << "\" xlink:href=\"data:image/png;base64," << '\n'
-             << QString::fromLatin1(text);
+    m_out.Write("<image x=\"", corner.x, "\" y=\"", corner.y, "\" width=\"", size.x, "\" height=\"",
+                size.y, "\" xlink:href=\"data:image/png;base64,\n", text);
     if (m_clipSelected)
-        m_stream << "\" " << m_styleMgr.GetClipPath() << "/>" << '\n';
+        m_out.Write("\" ", m_styleMgr.GetClipPath(), "/>\n");
     else
-        m_stream << "\"/>" << '\n';
+        m_out.Write("\"/>\n");
     TRACE_RETURN(true);
 }

@@ -191,7 +191,7 @@ TEST(BitmapOutput, Base64LinesAndTheImageElement) {
     writer.SetWorldTransform(2, 0, 0, 2, 5, 7);
     WriterTestPeer::SelectClip(writer);
     writer.WriteBlt(10, 20, 40, 30, "QQ==");
-    EXPECT_EQ(writer.GetSVGOutput(),
+    EXPECT_EQ(writer.TakeSVGOutput(),
               "<image x=\"10\" y=\"20\" width=\"40\" height=\"30\" "
               "xlink:href=\"data:image/png;base64,\nQQ==\n\"/>\n"
               "<image x=\"25\" y=\"47\" width=\"85\" height=\"67\" "
