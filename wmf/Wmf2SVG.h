@@ -104,8 +104,11 @@ class WMF2SVGConverter {
     int OnDIBBitBlt(unsigned char* record, unsigned int size);
     int OnDIBStretchBlt(unsigned char* record, unsigned int size);
     int OnStretchDIB(unsigned char* record, unsigned int size);
-    void DrawBitmap(const unsigned char* record, unsigned int size, size_t headerOffset, int16_t x,
-                    int16_t y, uint16_t width, uint16_t height);
+    // Draws the bitmap that follows the fixed fields R of a bitmap record.
+    template <class R>
+    void DrawBitmap(const unsigned char* record, unsigned int size,
+                    int (*normalise)(R*, const unsigned char*), uint16_t R::*width,
+                    uint16_t R::*height);
 
     // The handler of a record function, or null.
     const HandlerEntry* HandlerFor(unsigned int function) const {

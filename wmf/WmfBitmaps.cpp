@@ -10,37 +10,37 @@
 #include "svg/DibDecoder.h"
 #include "wmf/Wmf2SVG.h"
 
+template <class R>
 void WMF2SVGConverter::DrawBitmap(const unsigned char* record, unsigned int size,
-                                  size_t headerOffset, int16_t x, int16_t y, uint16_t width,
-                                  uint16_t height) {
+                                  int (*normalise)(R*, const unsigned char*), uint16_t R::*width,
+                                  uint16_t R::*height) {
+    const R r = ReadWmfRecord(record, normalise);
     dib::DibSource bitmap;
-    if (!dib::LocateBitmap(record, size, headerOffset, headerOffset + sizeof(tagBITMAPINFOHEADER),
-                           bitmap))
+    if (!dib::LocateBitmap(record, size, sizeof r, sizeof r + sizeof(tagBITMAPINFOHEADER), bitmap))
         return;
     const QByteArray text = m_writer.OnRasterOperation(bitmap, -1, 0);
-    if (!text.isEmpty()) m_writer.WriteBlt(MapX(x), MapY(y), width, height, text);
+    if (!text.isEmpty()) m_writer.WriteBlt(MapX(r.XDest), MapY(r.YDest), r.*width, r.*height, text);
 }
 
 int WMF2SVGConverter::OnDIBBitBlt(unsigned char* record, unsigned int size) {
     TRACE_ENTER();
     if (size == 0) TRACE_RETURN(0);
-    const tagWMRBITBLT r = ReadWmfRecord(record, InitWMRBITBLT);
-    DrawBitmap(record, size, sizeof r, r.XDest, r.YDest, r.Width, r.Height);
+    DrawBitmap(record, size, InitWMRBITBLT, &tagWMRBITBLT::Width, &tagWMRBITBLT::Height);
     TRACE_RETURN(1);
 }
 
 int WMF2SVGConverter::OnDIBStretchBlt(unsigned char* record, unsigned int size) {
     TRACE_ENTER();
     if (size == 0) TRACE_RETURN(0);
-    const tagWMRDIBSTRETCHBLT r = ReadWmfRecord(record, InitWMRDIBSTRETCHBLT);
-    DrawBitmap(record, size, sizeof r, r.XDest, r.YDest, r.DestWidth, r.DestHeight);
+    DrawBitmap(record, size, InitWMRDIBSTRETCHBLT, &tagWMRDIBSTRETCHBLT::DestWidth,
+               &tagWMRDIBSTRETCHBLT::DestHeight);
     TRACE_RETURN(1);
 }
 
 int WMF2SVGConverter::OnStretchDIB(unsigned char* record, unsigned int size) {
     TRACE_ENTER();
     if (size == 0) TRACE_RETURN(0);
-    const tagWMRSTRETCHBLT r = ReadWmfRecord(record, InitWMRSTRETCHBLT);
-    DrawBitmap(record, size, sizeof r, r.XDest, r.YDest, r.DestWidth, r.DestHeight);
+    DrawBitmap(record, size, InitWMRSTRETCHBLT, &tagWMRSTRETCHBLT::DestWidth,
+               &tagWMRSTRETCHBLT::DestHeight);
     TRACE_RETURN(1);
 }
