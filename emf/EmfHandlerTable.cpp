@@ -57,6 +57,11 @@ const Emf2SvgConverter::HandlerEntry* Emf2SvgConverter::HandlerTable() {
         {62, &Emf2SvgConverter::OnFillPath, sizeof(tagEMR)},
         {64, &Emf2SvgConverter::OnStrokePath, sizeof(tagEMR)},
         {68, &Emf2SvgConverter::OnAbortPath, sizeof(tagEMR)},
+        {76, &Emf2SvgConverter::OnBitBlt, sizeof(tagEMRBITBLT)},
+        {77, &Emf2SvgConverter::OnStretchBlt, sizeof(tagEMRSTRETCHBLT)},
+        {78, &Emf2SvgConverter::OnMaskBlt, sizeof(tagEMRMASKBLT)},
+        {79, &Emf2SvgConverter::OnPlgBlt, sizeof(tagEMR)},
+        {81, &Emf2SvgConverter::OnStretchDIB, sizeof(tagEMRSTRETCHDIBITS)},
         {82, &Emf2SvgConverter::OnExtCreateFontIndirect, sizeof(tagEMREXTCREATEFONTINDIRECTW)},
         {85, &Emf2SvgConverter::OnPolyBezier16, sizeof(tagEMRPOLYLINE16)},
         {86, &Emf2SvgConverter::OnPolygon16, sizeof(tagEMRPOLYLINE16)},
@@ -68,6 +73,7 @@ const Emf2SvgConverter::HandlerEntry* Emf2SvgConverter::HandlerTable() {
         {92, &Emf2SvgConverter::OnPolyDraw, sizeof(tagEMRPOLYDRAW16)},
         {93, &Emf2SvgConverter::OnCreateMonoBrush, sizeof(tagEMR)},
         {95, &Emf2SvgConverter::OnCreatePenEx, sizeof(tagEMREXTCREATEPEN)},
+        {116, &Emf2SvgConverter::OnTransparentBlt, sizeof(tagEMRTRANSPARENTBLT)},
     };
     static const std::array<HandlerEntry, kHandlerTableSize> table = [] {
         std::array<HandlerEntry, kHandlerTableSize> entries{};

@@ -172,6 +172,10 @@ class Wmf {
 // Common payloads.
 Bytes Points16(std::initializer_list<std::pair<int, int>> points);
 Bytes Points32(std::initializer_list<std::pair<int, int>> points);
+// A bitmap header and its colour table, each entry 0x00RRGGBB stored as the bytes blue,
+// green, red, 0.
+Bytes BitmapInfo(int32_t width, int32_t height, uint16_t bitCount,
+                 const std::vector<uint32_t>& colours = {});
 
 }  // namespace mfb
 

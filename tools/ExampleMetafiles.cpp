@@ -1,5 +1,7 @@
 #include "tools/ExampleMetafiles.h"
 
+#include <cstdlib>
+
 #include "tests/MetafileBuilder.h"
 
 namespace examples {
@@ -25,6 +27,91 @@ Bytes Pen(uint32_t handle, uint32_t style, int32_t width, uint32_t colour) {
 
 Bytes Brush(uint32_t handle, uint32_t style, uint32_t colour, uint32_t hatch) {
     return Bytes().u32(handle).u32(style).u32(colour).u32(hatch);
+}
+
+// --- bitmaps: 8 x 8 pixels, drawn 32 x 32 in a column at the right ----------------------
+
+const int kSide = 8;
+const uint32_t kSrcCopy = 0x00CC0020, kSrcAnd = 0x008800C6;
+
+// 8-bit: index x + 8y into a table of 64 colours, red across and green down.
+Bytes Indexed8() {
+    std::vector<uint32_t> colours;
+    for (int i = 0; i < kSide * kSide; ++i)
+        colours.push_back((uint32_t)(i % kSide * 36) << 16 | (uint32_t)(i / kSide * 36) << 8 |
+                          0x80);
+    Bytes b = mfb::BitmapInfo(kSide, kSide, 8, colours);
+    for (int row = kSide - 1; row >= 0; --row)  // bottom-up
+        for (int x = 0; x < kSide; ++x) b.u8((uint8_t)(x + kSide * row));
+    return b;
+}
+
+// 24-bit: blue fading across, green rising down.
+Bytes Rgb24() {
+    Bytes b = mfb::BitmapInfo(kSide, kSide, 24);
+    for (int row = kSide - 1; row >= 0; --row)
+        for (int x = 0; x < kSide; ++x)
+            b.u8((uint8_t)(255 - 32 * x)).u8((uint8_t)(32 * row)).u8(64);
+    return b;
+}
+
+// 1-bit: a diamond, white inside; its black corners make the next SRCAND bitmap transparent.
+Bytes Diamond() {
+    Bytes b = mfb::BitmapInfo(kSide, kSide, 1, {0x000000, 0xFFFFFF});
+    for (int row = 0; row < kSide; ++row) {
+        uint8_t bits = 0;
+        for (int x = 0; x < kSide; ++x)
+            if (std::abs(2 * x - 7) + std::abs(2 * row - 7) <= 8) bits |= (uint8_t)(0x80 >> x);
+        b.u8(bits).zeros(3);
+    }
+    return b;
+}
+
+// EMR_STRETCHDIBITS of `bitmap` (header, colour table and bits) with this raster operation.
+Bytes StretchDib(int x, int y, uint32_t rop, const Bytes& bitmap, int tableEntries) {
+    const uint32_t bits = 80 + 40 + 4 * (uint32_t)tableEntries;
+    Bytes b = Bounds().i32(x).i32(y).i32(0).i32(0).i32(kSide).i32(kSide);
+    b.u32(80).u32(bits - 80).u32(bits).u32((uint32_t)bitmap.size() - (bits - 80)).u32(0);
+    return b.u32(rop).i32(32).i32(32).append(bitmap);
+}
+
+void AddBitmaps(mfb::Emf& emf) {
+    emf.record(81, StretchDib(360, 130, kSrcCopy, Indexed8(), kSide * kSide));
+    // EMR_STRETCHBLT of the 24-bit bitmap.
+    emf.record(77, Bounds()
+                       .i32(360)
+                       .i32(175)
+                       .i32(32)
+                       .i32(32)
+                       .u32(kSrcCopy)
+                       .zeros(40)
+                       .u32(108)
+                       .u32(40)
+                       .u32(148)
+                       .u32((uint32_t)Rgb24().size() - 40)
+                       .i32(kSide)
+                       .i32(kSide)
+                       .append(Rgb24()));
+    // The diamond is not drawn: it masks the 8-bit bitmap drawn with SRCAND after it.
+    emf.record(81, StretchDib(0, 0, kSrcCopy, Diamond(), 2))
+        .record(81, StretchDib(360, 220, kSrcAnd, Indexed8(), kSide * kSide));
+}
+
+// The corner is in logical units, the size in output units. The colour table of a WMF bitmap
+// is read from its bits, so the 8-bit bitmap comes out in other colours than in the EMF file.
+void AddBitmaps(mfb::Wmf& wmf) {
+    const auto at = [](int x, int y) { return Bytes().i16((int16_t)y).i16((int16_t)x); };
+    // META_STRETCHDIB and META_DIBSTRETCHBLT.
+    wmf.record(
+           0x0F43,
+           Bytes().u32(kSrcCopy).zeros(10).u16(32).u16(32).append(at(5400, 1950)).append(Rgb24()))
+        .record(0x0B41, Bytes()
+                            .u32(kSrcCopy)
+                            .zeros(8)
+                            .u16(32)
+                            .u16(32)
+                            .append(at(5400, 2625))
+                            .append(Indexed8()));
 }
 
 }  // namespace
@@ -76,6 +163,7 @@ QByteArray ExampleEmf() {
         .record(mfb::EMR_POLYGON16, Poly16({{200, 230}, {260, 290}, {320, 230}, {260, 250}}))
         .record(mfb::EMR_ENDPATH, Bytes())
         .record(mfb::EMR_FILLPATH, Bounds());
+    AddBitmaps(emf);
     return emf.build();
 }
 
@@ -104,6 +192,7 @@ QByteArray ExampleWmf() {
                                         {{3300, 2400}, {3900, 3600}, {4500, 2400}, {5100, 3600}})))
         .record(mfb::META_MOVETO, Bytes().i16(4200).i16(3300))
         .record(mfb::META_LINETO, Bytes().i16(4200).i16(5700));
+    AddBitmaps(wmf);
     return wmf.build();
 }
 
