@@ -152,8 +152,12 @@ cmake --build "$build" -j"$jobs" --target svgmodule metafile2svg unit_tests
 built=$(date +%s)
 
 step "Unit tests under qemu-user"
+# The command-line tests that start metafile2svg as a child process are left out: qemu-user 7.2
+# refuses the clone() with which Qt 6's QProcess starts a program (CLONE_PIDFD). The same
+# program converts the corpus below, under qemu started from here.
+echo "skipped: CommandLine.* and CommandLineCorpus.* (QProcess cannot start a child under qemu-user)"
 tests=0
-(cd "$build" && ctest --output-on-failure -j"$jobs") || tests=1
+(cd "$build" && ctest --output-on-failure -j"$jobs" -E '^CommandLine(Corpus)?\.') || tests=1
 tested=$(date +%s)
 
 # --- corpus ----------------------------------------------------------------------------------
