@@ -39,6 +39,14 @@ int InitEMRPOLYGON(tagEMRPOLYGON& r, unsigned int size);
 int InitEMRPOLYGON16(tagEMRPOLYGON16& r, unsigned int size);
 int InitEMRPOLYDRAW16(tagEMRPOLYDRAW16& r, unsigned int size);
 
+// Region and clip records (in place): the fixed fields and the region header; the handlers
+// convert each rectangle with InitRECT.
+int InitEMRFILLRGN(tagEMRFILLRGN& r);
+int InitEMRFRAMERGN(tagEMRFRAMERGN& r);
+int InitEMREXTSELECTCLIPRGN(tagEMREXTSELECTCLIPRGN& r);
+int Init_RGNDATAHEADER(_RGNDATAHEADER& h);
+int Init_RGNDATA(_RGNDATA& d);
+
 // Poly-polygon and poly-polyline records (copying form): `dst` is a record buffer of `size`
 // bytes followed by records::kRecordPadding zero bytes; on a big-endian host it receives the
 // whole record with its fields in host order.

@@ -7,19 +7,17 @@
 
 #include "api/Trace.h"
 #include "byteorder/BEndTools.h"
+#include "geometry/RgnPathUtil.h"
 #include "geometry/Numeric.h"
 
 namespace {
 
 const uint32_t kEmrEof = 14;
 
+using numeric::Diff32;
+
 // Device pixels per millimetre assumed when the header gives no millimetre size (96 dpi).
 const double kDefaultPixelsPerMm = 96.0 / 25.4;
-
-// Difference of two 32-bit values, wrapping as 32-bit arithmetic does.
-int32_t Diff32(int32_t a, int32_t b) {
-    return (int32_t)((uint32_t)a - (uint32_t)b);
-}
 
 // Device pixels per millimetre on one axis; the default resolution when the header's
 // millimetre size is zero or the ratio is not finite.
@@ -33,13 +31,6 @@ double PixelsPerMm(int32_t device, int32_t millimetres) {
 int RoundSize(float v) {
     const double f = std::floor((double)v);
     return numeric::TruncToInt(f + 0.5 > (double)v ? f : std::ceil((double)v));
-}
-
-// The rectangle of `r` (right and bottom exclusive); empty when it has no area.
-QRect RectOf(const tagRECT& r) {
-    const int64_t w = (int64_t)r.right - r.left, h = (int64_t)r.bottom - r.top;
-    if (w <= 0 || h <= 0) return QRect();
-    return QRect(QPoint(r.left, r.top), QPoint(r.right - 1, r.bottom - 1));
 }
 
 }  // namespace
@@ -104,7 +95,7 @@ int Emf2SvgConverter::ConvertEMFToSVG(unsigned char* data, CLogger& log) {
 }
 
 void Emf2SvgConverter::SetupPicture(const tagENHMETAHEADER& h) {
-    m_boundsRegion = QRegion(RectOf(h.rclBounds));
+    m_boundsRegion = QRegion(RectToQRect(h.rclBounds));
 
     // Frame scales: 0.01 mm per device unit. A degenerate bounds or frame rectangle would
     // make a zero or infinite divisor; the scale then stays 1.

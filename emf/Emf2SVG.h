@@ -11,6 +11,7 @@
 #include <QString>
 #include <cstring>
 #include <map>
+#include <vector>
 
 #include "MetafileStructs.h"
 #include "api/Logger.h"
@@ -137,6 +138,15 @@ class Emf2SvgConverter {
     int OnFillPath(unsigned char* record, unsigned int size);
     int OnStrokePath(unsigned char* record, unsigned int size);
     int OnAbortPath(unsigned char* record, unsigned int size);
+
+    // Regions and clipping (EmfRegions.cpp).
+    int OnFillRgn(unsigned char* record, unsigned int size);
+    int OnFrameRgn(unsigned char* record, unsigned int size);
+    int OnExtSetClipRgn(unsigned char* record, unsigned int size);
+    int OnSelectClipPath(unsigned char* record, unsigned int size);
+    int OnIntersectClipRect(unsigned char* record, unsigned int size);
+    // Maps region rectangles in place, positions with the origins.
+    void MapInPlace(std::vector<tagRECT>& rects);
 
     std::map<unsigned int, Handler> m_handlers;
     CMySVGWriter m_writer;

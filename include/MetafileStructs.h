@@ -280,6 +280,42 @@ struct tagEMRFILLPATH {
     tagRECT rclBounds;
 };
 
+// Region data: the header, then nCount rectangles starting dwSize bytes after its start.
+struct _RGNDATAHEADER {
+    uint32_t dwSize;
+    uint32_t iType;
+    uint32_t nCount;
+    uint32_t nRgnSize;
+    tagRECT rcBound;
+};
+struct _RGNDATA {
+    _RGNDATAHEADER rdh;
+};
+
+struct tagEMRFILLRGN {
+    tagEMR emr;
+    tagRECT rclBounds;
+    uint32_t cbRgnData;
+    uint32_t ihBrush;
+    _RGNDATA RgnData;
+};
+
+struct tagEMRFRAMERGN {
+    tagEMR emr;
+    tagRECT rclBounds;
+    uint32_t cbRgnData;
+    uint32_t ihBrush;
+    tagSIZE szlStroke;
+    _RGNDATA RgnData;
+};
+
+struct tagEMREXTSELECTCLIPRGN {
+    tagEMR emr;
+    uint32_t cbRgnData;
+    uint32_t iMode;
+    _RGNDATA RgnData;
+};
+
 // Offsets of the trailing arrays of the EMF records above, from the start of the record.
 // Arrays are reached through these offsets and sized against the record's nSize, never
 // through the one-element array members.
@@ -295,6 +331,10 @@ static_assert(sizeof(tagEMREXTCREATEFONTINDIRECTW) == 332, "EMR_EXTCREATEFONTIND
 static_assert(sizeof(tagEMRPOLYLINE) == EMR_POLY_POINTS_OFFSET + 8, "EMR_POLYLINE layout");
 static_assert(sizeof(tagEMRPOLYLINE16) == EMR_POLY_POINTS_OFFSET + 4, "EMR_POLYLINE16 layout");
 static_assert(sizeof(tagEMRPOLYDRAW16) == EMR_POLY_POINTS_OFFSET + 4, "EMR_POLYDRAW16 layout");
+static_assert(sizeof(_RGNDATAHEADER) == 32, "RGNDATAHEADER layout");
+static_assert(sizeof(tagEMRFILLRGN) == 64, "EMR_FILLRGN layout");
+static_assert(sizeof(tagEMRFRAMERGN) == 72, "EMR_FRAMERGN layout");
+static_assert(sizeof(tagEMREXTSELECTCLIPRGN) == 48, "EMR_EXTSELECTCLIPRGN layout");
 static_assert(sizeof(tagEMRPOLYPOLYLINE) == EMR_POLYPOLY_COUNTS_OFFSET + 4,
               "EMR_POLYPOLYLINE layout");
 static_assert(sizeof(tagEMRPOLYPOLYLINE16) == EMR_POLYPOLY_COUNTS_OFFSET + 4,

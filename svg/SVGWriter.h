@@ -74,6 +74,13 @@ class CMySVGWriter {
     bool CreateFont(unsigned int handle, tagLOGFONTW font);
     bool MetaCreateFont(unsigned int handle, FONTSPEC font);
 
+    // Regions and clipping. Rectangle counts are taken as signed: 0 or less draws nothing.
+    bool FillRgn(unsigned int count, const tagRECT* rects, unsigned int brush);
+    bool FrameRgn(unsigned int count, const tagRECT* rects, unsigned int brush, unsigned int width,
+                  unsigned int height);
+    bool SetExtClipRgn(unsigned int count, const tagRECT* rects);
+    bool SelectClipPath(unsigned int mode);
+
     // Objects.
     bool SelectObject(unsigned long handle);
     bool DeleteObject(unsigned int handle);
@@ -90,9 +97,6 @@ class CMySVGWriter {
     CStyleManager& StyleManager() { return m_styleMgr; }
 
   private:
-    // Unit tests set the clip flag that clip-path selection sets in a conversion.
-    friend class WriterTestPeer;
-
     const QString& EffectiveStyle(const QString& style) const {
         return style.isEmpty() ? m_currStyle : style;
     }
@@ -108,6 +112,12 @@ class CMySVGWriter {
     static unsigned int AppendPolyDrawPoint(QString& data, const tagPOINT* points,
                                             const unsigned char* types, unsigned int index,
                                             unsigned int count);
+    // Writes each rectangle with DrawRect in `style`.
+    void DrawRects(unsigned int count, const tagRECT* rects, const QString& style);
+    // Opens the clip path definition numbered m_clipId; CloseClip ends it and makes it the
+    // clip of what follows.
+    void OpenClip();
+    void CloseClip();
     // 16-bit point lists sign-extended to 32 bits; empty for a null list.
     static std::vector<tagPOINT> WidenPoints(const tagPOINTS* points, unsigned int count);
 

@@ -9,11 +9,6 @@
 #include "TestUtil.h"
 #include "svg/SVGWriter.h"
 
-class WriterTestPeer {
-  public:
-    static void SelectClip(CMySVGWriter& w) { w.m_clipSelected = true; }
-};
-
 namespace {
 
 const std::string kDefault = R"( stroke="black" stroke-width="1" fill="none")";
@@ -80,16 +75,18 @@ TEST(WriterOutput, ShapesPathsAndCurves) {
              Line(9, 9, 0, 0)},
         {"rect takes the clip only while a clip path is selected and the style has none",
          [&](CMySVGWriter& w) {
-             w.StyleManager().ExtSetClipRgn(QStringLiteral("ClPath1"));
+             w.SetExtClipRgn(0, nullptr);  // a region clip: in the current style only
              w.DrawRect(1, 2, 3, 4, red, 5, 6);
-             WriterTestPeer::SelectClip(w);
+             w.SelectClipPath(0);  // its outline keeps the region clip of the pen style
              w.DrawRect(1, 2, 3, 4, red, 5, 6);
              w.DrawRect(1, 2, 3, 4, QStringLiteral(" clip-path=\"url(#X)\" "), 5, 6);
              w.StartPath();  // drops the clip
              w.DrawRect(1, 2, 3, 4, red, 5, 6);
          },
-         L(rect + R"( stroke="red" />)") +
-             L(rect + R"x( stroke="red" clip-path="url(#ClPath1)"/>)x") +
+         "\n<defs><clipPath id= \"ClPath1\"></clipPath></defs>" + L(rect + R"( stroke="red" />)") +
+             "\n<defs><clipPath id= \"ClPath2\">\n<path d = \"\" " + kPen +
+             L(R"x(clip-path="url(#ClPath1)"/>)x") + "</clipPath></defs>" +
+             L(rect + R"x( stroke="red" clip-path="url(#ClPath2)"/>)x") +
              L(rect + R"x( clip-path="url(#X)" />)x") + L(rect + R"( stroke="red" />)")},
         {"bracket data waits for a fill, a second fill has none; curves and close figure",
          [](CMySVGWriter& w) {

@@ -1,0 +1,105 @@
+// Region fills and frames, clip regions and clip paths. Region records carry their rectangles
+// after a region header; fills and frames map them to output units, while the clip-region
+// record combines them, unmapped, into the converter's accumulated clip region and hands the
+// writer the rectangles of the result.
+//
+// A rectangle count beyond what the record holds is cut to the rectangles that lie inside the
+// record (as for point lists); a count with the top bit set gives no rectangles.
+#define TRACE_FILE "Emf2SVG"
+#include <cstddef>
+#include <memory>
+
+#include "api/Trace.h"
+#include "byteorder/BEndTools.h"
+#include "byteorder/EmfNormalisers.h"
+#include "emf/Emf2SVG.h"
+#include "geometry/RgnPathUtil.h"
+
+namespace {
+
+enum ClipMode : uint32_t { kRgnAnd = 1, kRgnOr = 2, kRgnXor = 3 };
+
+// The rectangles of the region data that starts `offset` bytes into the record, whose header
+// has been normalised; copied out (they need not be aligned) and normalised.
+std::vector<tagRECT> RegionRects(const unsigned char* record, unsigned int size, size_t offset,
+                                 const _RGNDATAHEADER& header) {
+    const uint64_t first = (uint64_t)offset + header.dwSize;
+    const int32_t declared = (int32_t)header.nCount;
+    if (declared <= 0 || first > size) return {};
+    const uint32_t n = records::FitCount((uint32_t)declared, (size_t)first, sizeof(tagRECT), size);
+    std::vector<tagRECT> rects(n);
+    if (n > 0) std::memcpy(rects.data(), record + first, n * sizeof(tagRECT));
+    for (tagRECT& r : rects) InitRECT(r);
+    return rects;
+}
+
+}  // namespace
+
+void Emf2SvgConverter::MapInPlace(std::vector<tagRECT>& rects) {
+    for (tagRECT& r : rects)
+        r = tagRECT{MapX(r.left, 1), MapY(r.top, 1), MapX(r.right, 1), MapY(r.bottom, 1)};
+}
+
+int Emf2SvgConverter::OnFillRgn(unsigned char* record, unsigned int size) {
+    TRACE_ENTER();
+    if (IsEmptyRecord(record, size)) TRACE_RETURN(0);
+    tagEMRFILLRGN& r = *reinterpret_cast<tagEMRFILLRGN*>(record);
+    InitEMRFILLRGN(r);
+    Init_RGNDATA(r.RgnData);
+    std::vector<tagRECT> rects =
+        RegionRects(record, size, offsetof(tagEMRFILLRGN, RgnData), r.RgnData.rdh);
+    MapInPlace(rects);
+    m_writer.FillRgn((unsigned int)rects.size(), rects.data(), r.ihBrush);
+    TRACE_RETURN(1);
+}
+
+// The stroke sizes are passed on unmapped.
+int Emf2SvgConverter::OnFrameRgn(unsigned char* record, unsigned int size) {
+    TRACE_ENTER();
+    if (IsEmptyRecord(record, size)) TRACE_RETURN(0);
+    tagEMRFRAMERGN& r = *reinterpret_cast<tagEMRFRAMERGN*>(record);
+    InitEMRFRAMERGN(r);
+    Init_RGNDATA(r.RgnData);
+    std::vector<tagRECT> rects =
+        RegionRects(record, size, offsetof(tagEMRFRAMERGN, RgnData), r.RgnData.rdh);
+    MapInPlace(rects);
+    m_writer.FrameRgn((unsigned int)rects.size(), rects.data(), r.ihBrush,
+                      (unsigned int)r.szlStroke.cx, (unsigned int)r.szlStroke.cy);
+    TRACE_RETURN(1);
+}
+
+// AND, OR and XOR combine the record's region into the accumulated one; every other mode
+// (RGN_DIFF, RGN_COPY, ...) leaves it as it is. Either way the accumulated region becomes the
+// clip. A record without region data changes nothing.
+int Emf2SvgConverter::OnExtSetClipRgn(unsigned char* record, unsigned int size) {
+    TRACE_ENTER();
+    if (IsEmptyRecord(record, size)) TRACE_RETURN(0);
+    tagEMREXTSELECTCLIPRGN& r = *reinterpret_cast<tagEMREXTSELECTCLIPRGN*>(record);
+    InitEMREXTSELECTCLIPRGN(r);
+    if (r.cbRgnData == 0) TRACE_RETURN(1);
+    Init_RGNDATA(r.RgnData);
+    if (r.iMode == kRgnAnd || r.iMode == kRgnOr || r.iMode == kRgnXor) {
+        const std::vector<tagRECT> rects =
+            RegionRects(record, size, offsetof(tagEMREXTSELECTCLIPRGN, RgnData), r.RgnData.rdh);
+        const QRegion region = CreateQRegionFromRects((int)rects.size(), rects.data());
+        if (r.iMode == kRgnAnd) m_boundsRegion &= region;
+        if (r.iMode == kRgnOr) m_boundsRegion |= region;
+        if (r.iMode == kRgnXor) m_boundsRegion ^= region;
+    }
+    tagRECT* clip = nullptr;
+    const int count = GetRects(m_boundsRegion, &clip);
+    const std::unique_ptr<tagRECT[]> owned(clip);
+    m_writer.SetExtClipRgn((unsigned int)count, clip);
+    TRACE_RETURN(1);
+}
+
+// The mode is read as stored: the writer does not use it.
+int Emf2SvgConverter::OnSelectClipPath(unsigned char* record, unsigned int size) {
+    if (IsEmptyRecord(record, size)) return 0;
+    const tagEMRSELECTCLIPPATH& r = *reinterpret_cast<const tagEMRSELECTCLIPPATH*>(record);
+    return m_writer.SelectClipPath(r.iMode) ? 1 : 0;
+}
+
+int Emf2SvgConverter::OnIntersectClipRect(unsigned char* record, unsigned int size) {
+    return IsEmptyRecord(record, size) ? 0 : 1;
+}
