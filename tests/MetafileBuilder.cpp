@@ -64,6 +64,15 @@ Bytes Points32(std::initializer_list<std::pair<int, int>> points) {
     return b;
 }
 
+Bytes RegionData(const std::vector<Rect>& rects, int64_t count, uint32_t headerSize) {
+    const uint32_t n = (uint32_t)rects.size();
+    Bytes b;
+    b.u32(headerSize).u32(1).u32(count < 0 ? n : (uint32_t)count).u32(16 * n).zeros(16);
+    b.zeros(headerSize > 32 ? (int)headerSize - 32 : 0);
+    for (const Rect& r : rects) b.i32(r[0]).i32(r[1]).i32(r[2]).i32(r[3]);
+    return b;
+}
+
 // --- EMF -----------------------------------------------------------------------------------
 
 // 1024 x 768 device units over 320 x 240 mm: 3.2 units per mm, so a frame of 31.25 mm

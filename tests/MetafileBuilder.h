@@ -15,6 +15,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <array>
 #include <cstdint>
 #include <utility>
 #include <vector>
@@ -43,6 +44,7 @@ enum EmfType : uint32_t {
     EMR_SETTEXTCOLOR = 24,
     EMR_SETBKCOLOR = 25,
     EMR_MOVETOEX = 27,
+    EMR_INTERSECTCLIPRECT = 30,
     EMR_SETWORLDTRANSFORM = 35,
     EMR_MODIFYWORLDTRANSFORM = 36,
     EMR_SELECTOBJECT = 37,
@@ -55,7 +57,11 @@ enum EmfType : uint32_t {
     EMR_CLOSEFIGURE = 61,
     EMR_FILLPATH = 62,
     EMR_STROKEPATH = 64,
+    EMR_SELECTCLIPPATH = 67,
     EMR_ABORTPATH = 68,
+    EMR_FILLRGN = 71,
+    EMR_FRAMERGN = 72,
+    EMR_EXTSELECTCLIPRGN = 75,
     EMR_EXTCREATEFONTINDIRECTW = 82,
     EMR_POLYBEZIER16 = 85,
     EMR_POLYGON16 = 86,
@@ -172,6 +178,11 @@ class Wmf {
 // Common payloads.
 Bytes Points16(std::initializer_list<std::pair<int, int>> points);
 Bytes Points32(std::initializer_list<std::pair<int, int>> points);
+// Region data: the header (dwSize, iType 1, nCount, nRgnSize, a zero rcBound) padded to
+// `headerSize` bytes, then the rectangles (left, top, right, bottom). `count` replaces the
+// rectangle count when it is not negative.
+using Rect = std::array<int32_t, 4>;
+Bytes RegionData(const std::vector<Rect>& rects, int64_t count = -1, uint32_t headerSize = 32);
 
 }  // namespace mfb
 
