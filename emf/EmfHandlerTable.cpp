@@ -1,5 +1,7 @@
 // The record handler table and the reset of the mapping state at the start of a conversion.
 #define TRACE_FILE "Emf2SVG"
+#include <array>
+
 #include "api/Trace.h"
 #include "emf/Emf2SVG.h"
 
@@ -13,57 +15,69 @@ void Emf2SvgConverter::InitEMFRecHandlers() {
     m_anisotropic = 0;
     m_originX = m_originY = 0;
 
+    m_handlers = HandlerTable();
+    TRACE_RETURN();
+}
+
+// The table is made once and shared by every converter. Each entry names the bytes of fixed
+// fields its handler reads.
+const Emf2SvgConverter::HandlerEntry* Emf2SvgConverter::HandlerTable() {
     static const struct {
         unsigned int type;
         Handler handler;
+        size_t fixed = records::kRecordPadding;
     } kTable[] = {
-        {2, &Emf2SvgConverter::OnPolyBezier},
-        {3, &Emf2SvgConverter::OnPolygon},
-        {4, &Emf2SvgConverter::OnPolyLine},
-        {5, &Emf2SvgConverter::OnPolyBezierTo},
-        {6, &Emf2SvgConverter::OnPolyLineTo},
-        {7, &Emf2SvgConverter::OnPolyPolyLine},
-        {8, &Emf2SvgConverter::OnPolyPolygon},
-        {9, &Emf2SvgConverter::OnSetWindowsExt},
-        {10, &Emf2SvgConverter::OnSetWindowOrgEx},
-        {11, &Emf2SvgConverter::OnSetViewPortEx},
-        {12, &Emf2SvgConverter::OnSetViewPortOrgEx},
-        {17, &Emf2SvgConverter::OnSetMapMode},
-        {18, &Emf2SvgConverter::OnSetBkMode},
-        {22, &Emf2SvgConverter::OnSetTextAlign},
-        {24, &Emf2SvgConverter::OnSetTextColor},
-        {25, &Emf2SvgConverter::OnSetBkColor},
-        {27, &Emf2SvgConverter::OnMoveToEx},
-        {30, &Emf2SvgConverter::OnIntersectClipRect},
-        {35, &Emf2SvgConverter::OnSetWorldTransform},
-        {36, &Emf2SvgConverter::OnModifyWorldTransform},
-        {37, &Emf2SvgConverter::OnSelectObject},
-        {38, &Emf2SvgConverter::OnCreatePen},
-        {39, &Emf2SvgConverter::OnCreateBrushIndirect},
-        {40, &Emf2SvgConverter::OnDeleteObject},
-        {54, &Emf2SvgConverter::OnLineTo},
-        {59, &Emf2SvgConverter::OnBeginPath},
-        {60, &Emf2SvgConverter::OnEndPath},
-        {61, &Emf2SvgConverter::OnCloseFigure},
-        {62, &Emf2SvgConverter::OnFillPath},
-        {64, &Emf2SvgConverter::OnStrokePath},
-        {67, &Emf2SvgConverter::OnSelectClipPath},
-        {68, &Emf2SvgConverter::OnAbortPath},
-        {71, &Emf2SvgConverter::OnFillRgn},
-        {72, &Emf2SvgConverter::OnFrameRgn},
-        {75, &Emf2SvgConverter::OnExtSetClipRgn},
-        {82, &Emf2SvgConverter::OnExtCreateFontIndirect},
-        {85, &Emf2SvgConverter::OnPolyBezier16},
-        {86, &Emf2SvgConverter::OnPolygon16},
-        {87, &Emf2SvgConverter::OnPolyLine16},
-        {88, &Emf2SvgConverter::OnPolyBezierTo16},
-        {89, &Emf2SvgConverter::OnPolyLineTo16},
-        {90, &Emf2SvgConverter::OnPolyPolyLine16},
-        {91, &Emf2SvgConverter::OnPolyPolygon16},
-        {92, &Emf2SvgConverter::OnPolyDraw},
-        {93, &Emf2SvgConverter::OnCreateMonoBrush},
-        {95, &Emf2SvgConverter::OnCreatePenEx},
+        {2, &Emf2SvgConverter::OnPolyBezier, sizeof(tagEMRPOLYLINE)},
+        {3, &Emf2SvgConverter::OnPolygon, sizeof(tagEMRPOLYLINE)},
+        {4, &Emf2SvgConverter::OnPolyLine, sizeof(tagEMRPOLYLINE)},
+        {5, &Emf2SvgConverter::OnPolyBezierTo, sizeof(tagEMRPOLYLINE)},
+        {6, &Emf2SvgConverter::OnPolyLineTo, sizeof(tagEMRPOLYLINE)},
+        {7, &Emf2SvgConverter::OnPolyPolyLine, sizeof(tagEMRPOLYPOLYLINE)},
+        {8, &Emf2SvgConverter::OnPolyPolygon, sizeof(tagEMRPOLYPOLYLINE)},
+        {9, &Emf2SvgConverter::OnSetWindowsExt, sizeof(tagEMRSETVIEWPORTEXTEX)},
+        {10, &Emf2SvgConverter::OnSetWindowOrgEx, sizeof(tagEMRSETVIEWPORTORGEX)},
+        {11, &Emf2SvgConverter::OnSetViewPortEx, sizeof(tagEMRSETVIEWPORTEXTEX)},
+        {12, &Emf2SvgConverter::OnSetViewPortOrgEx, sizeof(tagEMRSETVIEWPORTORGEX)},
+        {17, &Emf2SvgConverter::OnSetMapMode, sizeof(tagEMRSETMAPMODE)},
+        {18, &Emf2SvgConverter::OnSetBkMode, sizeof(tagEMRSETBKMODE)},
+        {22, &Emf2SvgConverter::OnSetTextAlign, sizeof(tagEMRSETTEXTALIGN)},
+        {24, &Emf2SvgConverter::OnSetTextColor, sizeof(tagEMRSETTEXTCOLOR)},
+        {25, &Emf2SvgConverter::OnSetBkColor, sizeof(tagEMRSETBKCOLOR)},
+        {27, &Emf2SvgConverter::OnMoveToEx, sizeof(tagEMRMOVETOEX)},
+        {30, &Emf2SvgConverter::OnIntersectClipRect, sizeof(tagEMR)},
+        {35, &Emf2SvgConverter::OnSetWorldTransform, sizeof(tagEMRSETWORLDTRANSFORM)},
+        {36, &Emf2SvgConverter::OnModifyWorldTransform, sizeof(tagEMRMODIFYWORLDTRANSFORM)},
+        {37, &Emf2SvgConverter::OnSelectObject, sizeof(tagEMRSELECTOBJECT)},
+        {38, &Emf2SvgConverter::OnCreatePen, sizeof(tagEMRCREATEPEN)},
+        {39, &Emf2SvgConverter::OnCreateBrushIndirect, sizeof(tagEMRCREATEBRUSHINDIRECT)},
+        {40, &Emf2SvgConverter::OnDeleteObject, sizeof(tagEMRDELETEOBJECT)},
+        {54, &Emf2SvgConverter::OnLineTo, sizeof(tagEMRLINETO)},
+        {59, &Emf2SvgConverter::OnBeginPath, sizeof(tagEMR)},
+        {60, &Emf2SvgConverter::OnEndPath, sizeof(tagEMR)},
+        {61, &Emf2SvgConverter::OnCloseFigure, sizeof(tagEMR)},
+        {62, &Emf2SvgConverter::OnFillPath, sizeof(tagEMR)},
+        {64, &Emf2SvgConverter::OnStrokePath, sizeof(tagEMR)},
+        {67, &Emf2SvgConverter::OnSelectClipPath, sizeof(tagEMRSELECTCLIPPATH)},
+        {68, &Emf2SvgConverter::OnAbortPath, sizeof(tagEMR)},
+        {71, &Emf2SvgConverter::OnFillRgn, sizeof(tagEMRFILLRGN)},
+        {72, &Emf2SvgConverter::OnFrameRgn, sizeof(tagEMRFRAMERGN)},
+        {75, &Emf2SvgConverter::OnExtSetClipRgn, sizeof(tagEMREXTSELECTCLIPRGN)},
+        {82, &Emf2SvgConverter::OnExtCreateFontIndirect, sizeof(tagEMREXTCREATEFONTINDIRECTW)},
+        {85, &Emf2SvgConverter::OnPolyBezier16, sizeof(tagEMRPOLYLINE16)},
+        {86, &Emf2SvgConverter::OnPolygon16, sizeof(tagEMRPOLYLINE16)},
+        {87, &Emf2SvgConverter::OnPolyLine16, sizeof(tagEMRPOLYLINE16)},
+        {88, &Emf2SvgConverter::OnPolyBezierTo16, sizeof(tagEMRPOLYLINE16)},
+        {89, &Emf2SvgConverter::OnPolyLineTo16, sizeof(tagEMRPOLYLINE16)},
+        {90, &Emf2SvgConverter::OnPolyPolyLine16, sizeof(tagEMRPOLYPOLYLINE16)},
+        {91, &Emf2SvgConverter::OnPolyPolygon16, sizeof(tagEMRPOLYPOLYLINE16)},
+        {92, &Emf2SvgConverter::OnPolyDraw, sizeof(tagEMRPOLYDRAW16)},
+        {93, &Emf2SvgConverter::OnCreateMonoBrush, sizeof(tagEMR)},
+        {95, &Emf2SvgConverter::OnCreatePenEx, sizeof(tagEMREXTCREATEPEN)},
     };
-    for (const auto& entry : kTable) m_handlers[entry.type] = entry.handler;
-    TRACE_RETURN();
+    static const std::array<HandlerEntry, kHandlerTableSize> table = [] {
+        std::array<HandlerEntry, kHandlerTableSize> entries{};
+        for (const auto& e : kTable) entries[e.type] = HandlerEntry{e.handler, e.fixed};
+        return entries;
+    }();
+    return table.data();
 }

@@ -10,7 +10,7 @@
 #include "geometry/Numeric.h"
 #include "geometry/RgnPathUtil.h"
 
-void CMySVGWriter::DrawRects(unsigned int count, const tagRECT* rects, const QString& style) {
+void CMySVGWriter::DrawRects(unsigned int count, const tagRECT* rects, const QByteArray& style) {
     for (int i = 0; i < (int)count; ++i) {
         const tagRECT& r = rects[i];
         DrawRect(r.left, r.top, numeric::Diff32(r.right, r.left), numeric::Diff32(r.bottom, r.top),
@@ -19,12 +19,14 @@ void CMySVGWriter::DrawRects(unsigned int count, const tagRECT* rects, const QSt
 }
 
 void CMySVGWriter::OpenClip() {
-    m_stream << "\n<defs><clipPath id= \"ClPath" << m_clipId << "\">";
+    m_out.Write("\n<defs><clipPath id= \"ClPath", m_clipId, "\">");
 }
 
 void CMySVGWriter::CloseClip() {
-    m_stream << "</clipPath></defs>";
-    m_styleMgr.ExtSetClipRgn(QStringLiteral("ClPath") + QString::number(m_clipId));
+    m_out.Write("</clipPath></defs>");
+    SvgBuffer id;
+    id.Write("ClPath", m_clipId);
+    m_styleMgr.ExtSetClipRgn(id.Text());
     m_currStyle = m_styleMgr.GetCurrentStyle();
     ++m_clipId;
 }
@@ -32,9 +34,9 @@ void CMySVGWriter::CloseClip() {
 // Without a brush entry the rectangles carry no fill attribute, and SVG fills them black.
 bool CMySVGWriter::FillRgn(unsigned int count, const tagRECT* rects, unsigned int brush) {
     TRACE_ENTER();
-    QString style = QStringLiteral("stroke=\"none\" stroke-width=\"1\" ");
-    const QString fill = m_styleMgr.EmfGetBrush(brush);
-    if (!fill.isEmpty()) style += QStringLiteral("fill") + fill;
+    QByteArray style("stroke=\"none\" stroke-width=\"1\" ");
+    const QByteArray fill = m_styleMgr.EmfGetBrush(brush);
+    if (!fill.isEmpty()) style += "fill" + fill;
     DrawRects(count, rects, style);
     TRACE_RETURN(true);
 }
@@ -45,12 +47,17 @@ bool CMySVGWriter::FrameRgn(unsigned int count, const tagRECT* rects, unsigned i
     TRACE_ENTER();
     std::list<CLine> segments;
     ConvertRgnDataToPath((int)count, rects, segments);
-    const QString colour = m_styleMgr.EmfGetBrush(brush);
-    const QString stroke = colour.isEmpty() ? QString() : QStringLiteral("stroke") + colour;
-    const QString vertical = stroke + QStringLiteral("stroke-width=\"%1\" ").arg(width);
-    const QString horizontal = stroke + QStringLiteral("stroke-width=\"%1\" ").arg(height);
+    const QByteArray colour = m_styleMgr.EmfGetBrush(brush);
+    SvgBuffer vertical, horizontal;
+    if (!colour.isEmpty()) {
+        vertical.Write("stroke", colour);
+        horizontal.Write("stroke", colour);
+    }
+    vertical.Write("stroke-width=\"", width, "\" ");
+    horizontal.Write("stroke-width=\"", height, "\" ");
+    const QByteArray verticalStyle = vertical.Text(), horizontalStyle = horizontal.Text();
     for (const CLine& s : segments)
-        DrawLine(s.x1, s.y1, s.x2, s.y2, s.x1 == s.x2 ? vertical : horizontal);
+        DrawLine(s.x1, s.y1, s.x2, s.y2, s.x1 == s.x2 ? verticalStyle : horizontalStyle);
     TRACE_RETURN(true);
 }
 
@@ -59,7 +66,7 @@ bool CMySVGWriter::FrameRgn(unsigned int count, const tagRECT* rects, unsigned i
 bool CMySVGWriter::SetExtClipRgn(unsigned int count, const tagRECT* rects) {
     TRACE_ENTER();
     OpenClip();
-    DrawRects(count, rects, QStringLiteral("stroke=\"none\" fill=\"none\" stroke-width=\"1\" "));
+    DrawRects(count, rects, QByteArray("stroke=\"none\" fill=\"none\" stroke-width=\"1\" "));
     CloseClip();
     TRACE_RETURN(true);
 }
@@ -67,14 +74,15 @@ bool CMySVGWriter::SetExtClipRgn(unsigned int count, const tagRECT* rects) {
 // The collected path data becomes the clip, whatever the mode.
 bool CMySVGWriter::SelectClipPath(unsigned int mode) {
     if (m_clipSelected) {
-        m_styleMgr.ExtSetClipRgn(QString());
+        m_styleMgr.ExtSetClipRgn(QByteArray());
         m_currStyle = m_styleMgr.GetCurrentStyle();
     }
     OpenClip();
-    m_stream << "\n<path d = \"" << m_pathData << "\" " << m_styleMgr.GetCurrPenStyle() << "/>"
-             << '\n';
+    m_out.Write("\n<path d = \"");
+    m_out.Append(m_pathData);
+    m_out.Write("\" ", m_styleMgr.GetCurrPenStyle(), "/>\n");
     CloseClip();
-    m_pathData.clear();
+    m_pathData.Clear();
     m_clipSelected = true;
     return true;
 }

@@ -259,9 +259,9 @@ TEST(RegionWriter, FillsFramesAndClipDefinitions) {
          [](CMySVGWriter& w) {
              const tagRECT r = {0, 0, 50, 40};
              w.SetExtClipRgn(1, &r);
-             w.DrawLine(1, 2, 3, 4, QString());
+             w.DrawLine(1, 2, 3, 4, QByteArray());
              w.SetExtClipRgn(0, nullptr);
-             w.DrawLine(1, 2, 3, 4, QString());
+             w.DrawLine(1, 2, 3, 4, QByteArray());
          },
          ClipDef(1, Rect({0, 0, 50, 40}, kClipRect)) + Line(1, 2, 3, 4, Clipped(1)) +
              ClipDef(2, "") + Line(1, 2, 3, 4, Clipped(2))},
@@ -269,10 +269,10 @@ TEST(RegionWriter, FillsFramesAndClipDefinitions) {
          "numbers from 1 again",
          [&](CMySVGWriter& w) {
              w.StartPath();
-             w.DrawPolyLine(triangle, 3, true, false, QString());
+             w.DrawPolyLine(triangle, 3, true, false, QByteArray());
              w.EndPath();
              w.SelectClipPath(5);
-             w.DrawRect(1, 2, 3, 4, QStringLiteral(" stroke=\"red\" "), 0, 0);
+             w.DrawRect(1, 2, 3, 4, QByteArray(" stroke=\"red\" "), 0, 0);
              w.SetExtClipRgn(1, kTouching);  // its rectangle keeps the path clip
              w.SelectClipPath(1);
              w.Close();
