@@ -39,20 +39,58 @@ int SplitEdges(const Edge& a, const Edge& b, Edge pieces[2]) {
     return n;
 }
 
+// The positions an edge covers in doubled coordinates: the open range between its ends, or
+// the point itself. Two edges split exactly when their spans meet and are not equal.
+std::pair<int64_t, int64_t> Span(const Edge& e) {
+    if (e.lo == e.hi) return {2 * (int64_t)e.lo, 2 * (int64_t)e.lo};
+    return {2 * (int64_t)e.lo + 1, 2 * (int64_t)e.hi - 1};
+}
+
+// True when no two edges of a line split: their spans are apart or equal. Rectangles of one
+// band of a region give such lines.
+bool NoneSplit(const std::vector<Edge>& edges) {
+    std::vector<std::pair<int64_t, int64_t>> spans;
+    spans.reserve(edges.size());
+    for (const Edge& e : edges) spans.push_back(Span(e));
+    std::sort(spans.begin(), spans.end());
+    for (size_t i = 1; i < spans.size(); ++i)
+        if (spans[i] != spans[i - 1] && spans[i].first <= spans[i - 1].second) return false;
+    return true;
+}
+
 // The cancelling pass over a list of edges. Each edge in list order becomes the cursor and is
 // compared with the edges after it; the first one that splits with it (SplitEdges above 0) is
 // removed together with the cursor, and their pieces are appended to the list, where they
-// become cursors in turn. The list order is the order of creation, so an edge is named by its
-// number, and the edges after the cursor are exactly those still waiting for their turn.
+// become cursors in turn. The result, survivors and order, is that of comparing every pair;
+// it is reached as follows.
 //
-// Only edges on one line can split, so a cursor is compared with the waiting edges of its own
-// line: one by one on a short line, through an index on a long one. The result, survivors and
-// order, is that of comparing every pair.
-class EdgeCanceller {
+// Only edges on one line split, and pieces stay on the line of their parents, so the pass
+// restricted to one line is the pass over that line's edges alone: the lines are run one after
+// the other. Where the pieces stand in the whole list follows from their descent: an input
+// edge is of generation 0, a piece one generation after the cursor that made it. Every edge of
+// a generation is made before the first cursor of that generation has its turn, so the list
+// holds the generations one after the other, each in the order of the cursors that made its
+// edges, and a cursor's two pieces in the order made.
+
+// An edge of the pass and where it came from: the cursor that made it (kNone for an input
+// edge), which of that cursor's pieces it is, and its generation.
+struct Item {
+    Edge edge;
+    uint32_t creator;
+    uint32_t generation;
+    uint8_t piece;
+    uint8_t alive;
+};
+
+// The pass over the edges of one line. The line's edges are numbered in list order, pieces
+// after the input edges as they are made, so the edges after a cursor are those still waiting
+// for their turn. A cursor is compared with them one by one on a short line, through an index
+// on a long one. The buffers are kept from one line to the next.
+class LineCanceller {
   public:
-    explicit EdgeCanceller(std::vector<Edge> edges);
-    // The surviving edges in list order.
-    std::vector<Edge> Run();
+    // Runs the pass over `line` (indices into `items`, in list order): clears `alive` of the
+    // edges removed and appends the pieces made to `items`.
+    void Run(std::vector<Item>& items, const std::vector<uint32_t>& line);
 
   private:
     // Equal waiting edges of a long line, in list order, and the span they cover.
@@ -62,136 +100,114 @@ class EdgeCanceller {
         int lo = 0;
         int hi = 0;
     };
-    // The waiting edges of a long line. Spans are in doubled coordinates: the line's distinct
-    // end points are the even positions 0, 2, 4, ... and the gaps between them the odd ones.
-    // An edge covers the positions strictly between its ends, a point edge its own position,
-    // so two edges split exactly when their spans meet (or are equal, which SplitEdges answers
-    // with 0). The tree holds the first edge of each group at the nodes that tile its span;
-    // `below` is the smallest waiting edge held at or below a node.
-    struct LongLine {
-        std::vector<int32_t> ends;
-        std::unordered_map<uint64_t, uint32_t> groupOfKey;
-        std::vector<Group> groups;
-        int leaves = 1;
-        std::vector<uint32_t> below;
-        std::vector<uint32_t> heapOf;  // node -> index into heaps + 1, 0 for none
-        std::vector<std::vector<uint32_t>> heaps;
-    };
-    struct Line {
-        uint32_t head = kNone;  // short lines: the waiting edges, linked through m_next
-        uint32_t tail = kNone;
-        int longIndex = -1;
-    };
 
-    void Add(uint32_t seq);
-    void ProcessCursor(uint32_t s);
-    void ProcessShort(Line& line, uint32_t s);
-    void ProcessLong(LongLine& l, uint32_t s);
+    void Add(uint32_t s);
+    void ProcessShort(uint32_t s);
+    void ProcessLong(uint32_t s);
     void Replace(uint32_t s, uint32_t j);
-    uint32_t GroupOf(LongLine& l, const Edge& e);
+    uint32_t GroupOf(const Edge& e);
     // Takes the first edge out of a group; Enter puts the group's new first edge in the tree.
-    void TakeFirst(LongLine& l, uint32_t group);
-    void Enter(LongLine& l, uint32_t group);
-    // Adds `seq` (or, for kNone, nothing) at the nodes that tile [lo, hi] and refreshes the
+    void TakeFirst(uint32_t group);
+    void Enter(uint32_t group);
+    // Adds `s` (or, for kNone, nothing) at the nodes that tile [lo, hi] and refreshes the
     // minima on the way back up.
-    void Cover(LongLine& l, int node, int nlo, int nhi, int lo, int hi, uint32_t seq);
-    uint32_t Query(LongLine& l, int node, int nlo, int nhi, int lo, int hi);
+    void Cover(int node, int nlo, int nhi, int lo, int hi, uint32_t s);
+    uint32_t Query(int node, int nlo, int nhi, int lo, int hi);
     // The smallest waiting edge held at a node; edges that stopped waiting are dropped.
-    uint32_t Top(LongLine& l, int node);
+    uint32_t Top(int node);
 
+    std::vector<Item>* m_items = nullptr;
+    std::vector<uint32_t> m_ids;  // edge of the line -> index in m_items
     std::vector<Edge> m_edges;
     std::vector<uint8_t> m_waiting;
-    std::vector<uint8_t> m_alive;
     std::vector<uint32_t> m_next;  // next waiting edge of the short line or of the group
-    std::vector<uint32_t> m_lineOf;
+    uint32_t m_head = kNone;       // short line: the waiting edges
+    uint32_t m_tail = kNone;
+    bool m_indexed = false;
+
+    // The index of a long line. Spans are in doubled coordinates: the line's distinct end
+    // points are the even positions 0, 2, 4, ... and the gaps between them the odd ones. An
+    // edge covers the positions strictly between its ends, a point edge its own position, so
+    // two edges split exactly when their spans meet (or are equal, which SplitEdges answers
+    // with 0). Equal edges form a group; the tree holds the first waiting edge of each group
+    // at the nodes that tile the group's span, and `below` is the smallest waiting edge held
+    // at or below a node.
+    std::vector<int32_t> m_ends;
+    std::unordered_map<uint64_t, uint32_t> m_groupOfKey;
+    std::vector<Group> m_groups;
     std::vector<uint32_t> m_groupOf;
-    std::vector<Line> m_lines;
-    std::vector<LongLine> m_long;
+    int m_leaves = 1;
+    std::vector<uint32_t> m_below;
+    std::vector<uint32_t> m_heapOf;  // node -> index into m_heaps + 1, 0 for none
+    std::vector<std::vector<uint32_t>> m_heaps;
+    size_t m_heapsUsed = 0;
 };
 
-EdgeCanceller::EdgeCanceller(std::vector<Edge> edges) : m_edges(std::move(edges)) {
-    const size_t n = m_edges.size();
-    m_waiting.assign(n, 1);
-    m_alive.assign(n, 1);
-    m_next.assign(n, kNone);
-    m_lineOf.assign(n, 0);
-    m_groupOf.assign(n, kNone);
-    std::vector<uint32_t> order(n);
-    std::iota(order.begin(), order.end(), 0u);
-    std::stable_sort(order.begin(), order.end(),
-                     [&](uint32_t a, uint32_t b) { return m_edges[a].line < m_edges[b].line; });
-    for (size_t first = 0, last = 0; first < n; first = last) {
-        while (last < n && m_edges[order[last]].line == m_edges[order[first]].line) ++last;
-        Line line;
-        if (last - first > kIndexedLine) {
-            LongLine l;
-            for (size_t k = first; k < last; ++k) {
-                l.ends.push_back(m_edges[order[k]].lo);
-                l.ends.push_back(m_edges[order[k]].hi);
-            }
-            std::sort(l.ends.begin(), l.ends.end());
-            l.ends.erase(std::unique(l.ends.begin(), l.ends.end()), l.ends.end());
-            while (l.leaves < (int)(2 * l.ends.size() - 1)) l.leaves *= 2;
-            l.below.assign(2 * (size_t)l.leaves, kNone);
-            l.heapOf.assign(2 * (size_t)l.leaves, 0);
-            line.longIndex = (int)m_long.size();
-            m_long.push_back(std::move(l));
+void LineCanceller::Run(std::vector<Item>& items, const std::vector<uint32_t>& line) {
+    m_items = &items;
+    m_ids = line;
+    m_edges.clear();
+    for (uint32_t id : line) m_edges.push_back(items[id].edge);
+    m_waiting.assign(line.size(), 1);
+    m_next.assign(line.size(), kNone);
+    m_head = m_tail = kNone;
+    m_indexed = line.size() > kIndexedLine;
+    if (m_indexed && NoneSplit(m_edges)) return;
+    if (m_indexed) {
+        m_ends.clear();
+        for (const Edge& e : m_edges) {
+            m_ends.push_back(e.lo);
+            m_ends.push_back(e.hi);
         }
-        m_lines.push_back(line);
-        for (size_t k = first; k < last; ++k) {
-            m_lineOf[order[k]] = (uint32_t)(m_lines.size() - 1);
-            Add(order[k]);
-        }
+        std::sort(m_ends.begin(), m_ends.end());
+        m_ends.erase(std::unique(m_ends.begin(), m_ends.end()), m_ends.end());
+        m_leaves = 1;
+        while (m_leaves < (int)(2 * m_ends.size() - 1)) m_leaves *= 2;
+        m_below.assign(2 * (size_t)m_leaves, kNone);
+        m_heapOf.assign(2 * (size_t)m_leaves, 0);
+        m_heapsUsed = 0;
+        m_groupOfKey.clear();
+        m_groups.clear();
+        m_groupOf.assign(line.size(), kNone);
+    }
+    for (uint32_t s = 0; s < m_edges.size(); ++s) Add(s);
+    for (uint32_t s = 0; s < m_edges.size(); ++s) {
+        if (!m_waiting[s]) continue;
+        if (m_indexed)
+            ProcessLong(s);
+        else
+            ProcessShort(s);
     }
 }
 
-std::vector<Edge> EdgeCanceller::Run() {
-    for (uint32_t s = 0; s < m_edges.size(); ++s)
-        if (m_waiting[s]) ProcessCursor(s);
-    std::vector<Edge> survivors;
-    for (size_t s = 0; s < m_edges.size(); ++s)
-        if (m_alive[s]) survivors.push_back(m_edges[s]);
-    return survivors;
-}
-
-void EdgeCanceller::Add(uint32_t seq) {
-    Line& line = m_lines[m_lineOf[seq]];
-    if (line.longIndex < 0) {
-        (line.tail == kNone ? line.head : m_next[line.tail]) = seq;
-        line.tail = seq;
+void LineCanceller::Add(uint32_t s) {
+    if (!m_indexed) {
+        (m_tail == kNone ? m_head : m_next[m_tail]) = s;
+        m_tail = s;
         return;
     }
-    LongLine& l = m_long[line.longIndex];
-    const uint32_t g = GroupOf(l, m_edges[seq]);
-    m_groupOf[seq] = g;
-    Group& group = l.groups[g];
+    const uint32_t g = GroupOf(m_edges[s]);
+    m_groupOf[s] = g;
+    Group& group = m_groups[g];
     if (group.head == kNone) {
-        group.head = group.tail = seq;
-        Cover(l, 1, 0, l.leaves - 1, group.lo, group.hi, seq);
+        group.head = group.tail = s;
+        Cover(1, 0, m_leaves - 1, group.lo, group.hi, s);
     } else {
-        m_next[group.tail] = seq;
-        group.tail = seq;
+        m_next[group.tail] = s;
+        group.tail = s;
     }
 }
 
-void EdgeCanceller::ProcessCursor(uint32_t s) {
-    Line& line = m_lines[m_lineOf[s]];
-    if (line.longIndex < 0)
-        ProcessShort(line, s);
-    else
-        ProcessLong(m_long[line.longIndex], s);
-}
-
-// The cursor heads its line's list of waiting edges.
-void EdgeCanceller::ProcessShort(Line& line, uint32_t s) {
+// The cursor heads the line's list of waiting edges.
+void LineCanceller::ProcessShort(uint32_t s) {
     m_waiting[s] = 0;
-    line.head = m_next[s];
-    if (line.head == kNone) line.tail = kNone;
+    m_head = m_next[s];
+    if (m_head == kNone) m_tail = kNone;
     Edge pieces[2];
-    for (uint32_t prev = kNone, j = line.head; j != kNone; prev = j, j = m_next[j]) {
+    for (uint32_t prev = kNone, j = m_head; j != kNone; prev = j, j = m_next[j]) {
         if (SplitEdges(m_edges[s], m_edges[j], pieces) <= 0) continue;
-        (prev == kNone ? line.head : m_next[prev]) = m_next[j];
-        if (line.tail == j) line.tail = prev;
+        (prev == kNone ? m_head : m_next[prev]) = m_next[j];
+        if (m_tail == j) m_tail = prev;
         m_waiting[j] = 0;
         Replace(s, j);
         return;
@@ -200,104 +216,153 @@ void EdgeCanceller::ProcessShort(Line& line, uint32_t s) {
 
 // The cursor heads its group; the rest of the group (edges equal to it, which it does not
 // split with) stays out of the tree while its partner is looked for.
-void EdgeCanceller::ProcessLong(LongLine& l, uint32_t s) {
+void LineCanceller::ProcessLong(uint32_t s) {
     const uint32_t g = m_groupOf[s];
-    TakeFirst(l, g);
-    const uint32_t j = Query(l, 1, 0, l.leaves - 1, l.groups[g].lo, l.groups[g].hi);
+    TakeFirst(g);
+    const uint32_t j = Query(1, 0, m_leaves - 1, m_groups[g].lo, m_groups[g].hi);
     if (j != kNone) {
         const uint32_t h = m_groupOf[j];
-        TakeFirst(l, h);
-        Enter(l, h);
+        TakeFirst(h);
+        Enter(h);
         Replace(s, j);
     }
-    Enter(l, g);
+    Enter(g);
 }
 
 // Removes the cursor and its partner and appends their pieces.
-void EdgeCanceller::Replace(uint32_t s, uint32_t j) {
+void LineCanceller::Replace(uint32_t s, uint32_t j) {
+    std::vector<Item>& items = *m_items;
     Edge pieces[2];
     const int n = SplitEdges(m_edges[s], m_edges[j], pieces);
-    m_alive[s] = m_alive[j] = 0;
+    items[m_ids[s]].alive = items[m_ids[j]].alive = 0;
+    const uint32_t generation = items[m_ids[s]].generation + 1;
     for (int k = 0; k < n; ++k) {
-        const uint32_t seq = (uint32_t)m_edges.size();
+        const uint32_t piece = (uint32_t)m_edges.size();
+        m_ids.push_back((uint32_t)items.size());
+        items.push_back(Item{pieces[k], m_ids[s], generation, (uint8_t)k, 1});
         m_edges.push_back(pieces[k]);
         m_waiting.push_back(1);
-        m_alive.push_back(1);
         m_next.push_back(kNone);
-        m_lineOf.push_back(m_lineOf[s]);
-        m_groupOf.push_back(kNone);
-        Add(seq);
+        if (m_indexed) m_groupOf.push_back(kNone);
+        Add(piece);
     }
 }
 
-uint32_t EdgeCanceller::GroupOf(LongLine& l, const Edge& e) {
+uint32_t LineCanceller::GroupOf(const Edge& e) {
     const auto rank = [&](int32_t v) {
-        return (int)(std::lower_bound(l.ends.begin(), l.ends.end(), v) - l.ends.begin());
+        return (int)(std::lower_bound(m_ends.begin(), m_ends.end(), v) - m_ends.begin());
     };
     const int a = rank(e.lo), b = rank(e.hi);
     const uint64_t key = ((uint64_t)(uint32_t)a << 32) | (uint32_t)b;
-    const auto found = l.groupOfKey.emplace(key, (uint32_t)l.groups.size());
+    const auto found = m_groupOfKey.emplace(key, (uint32_t)m_groups.size());
     if (found.second) {
         Group group;
         group.lo = a < b ? 2 * a + 1 : 2 * a;
         group.hi = a < b ? 2 * b - 1 : 2 * a;
-        l.groups.push_back(group);
+        m_groups.push_back(group);
     }
     return found.first->second;
 }
 
-void EdgeCanceller::TakeFirst(LongLine& l, uint32_t g) {
-    Group& group = l.groups[g];
+void LineCanceller::TakeFirst(uint32_t g) {
+    Group& group = m_groups[g];
     const uint32_t first = group.head;
     m_waiting[first] = 0;
     group.head = m_next[first];
     if (group.head == kNone) group.tail = kNone;
-    Cover(l, 1, 0, l.leaves - 1, group.lo, group.hi, kNone);
+    Cover(1, 0, m_leaves - 1, group.lo, group.hi, kNone);
 }
 
-void EdgeCanceller::Enter(LongLine& l, uint32_t g) {
-    const Group& group = l.groups[g];
-    if (group.head != kNone) Cover(l, 1, 0, l.leaves - 1, group.lo, group.hi, group.head);
+void LineCanceller::Enter(uint32_t g) {
+    const Group& group = m_groups[g];
+    if (group.head != kNone) Cover(1, 0, m_leaves - 1, group.lo, group.hi, group.head);
 }
 
-void EdgeCanceller::Cover(LongLine& l, int node, int nlo, int nhi, int lo, int hi, uint32_t seq) {
+void LineCanceller::Cover(int node, int nlo, int nhi, int lo, int hi, uint32_t s) {
     if (hi < nlo || nhi < lo) return;
     if (lo <= nlo && nhi <= hi) {
-        if (seq != kNone) {
-            if (l.heapOf[node] == 0) {
-                l.heaps.emplace_back();
-                l.heapOf[node] = (uint32_t)l.heaps.size();
+        if (s != kNone) {
+            if (m_heapOf[node] == 0) {
+                if (m_heapsUsed == m_heaps.size()) m_heaps.emplace_back();
+                m_heaps[m_heapsUsed].clear();
+                m_heapOf[node] = (uint32_t)++m_heapsUsed;
             }
-            std::vector<uint32_t>& heap = l.heaps[l.heapOf[node] - 1];
-            heap.push_back(seq);
+            std::vector<uint32_t>& heap = m_heaps[m_heapOf[node] - 1];
+            heap.push_back(s);
             std::push_heap(heap.begin(), heap.end(), std::greater<uint32_t>());
         }
     } else {
         const int mid = nlo + (nhi - nlo) / 2;
-        Cover(l, 2 * node, nlo, mid, lo, hi, seq);
-        Cover(l, 2 * node + 1, mid + 1, nhi, lo, hi, seq);
+        Cover(2 * node, nlo, mid, lo, hi, s);
+        Cover(2 * node + 1, mid + 1, nhi, lo, hi, s);
     }
-    uint32_t least = Top(l, node);
-    if (nlo != nhi) least = std::min({least, l.below[2 * node], l.below[2 * node + 1]});
-    l.below[node] = least;
+    uint32_t least = Top(node);
+    if (nlo != nhi) least = std::min({least, m_below[2 * node], m_below[2 * node + 1]});
+    m_below[node] = least;
 }
 
-uint32_t EdgeCanceller::Query(LongLine& l, int node, int nlo, int nhi, int lo, int hi) {
+uint32_t LineCanceller::Query(int node, int nlo, int nhi, int lo, int hi) {
     if (hi < nlo || nhi < lo) return kNone;
-    if (lo <= nlo && nhi <= hi) return l.below[node];
+    if (lo <= nlo && nhi <= hi) return m_below[node];
     const int mid = nlo + (nhi - nlo) / 2;
-    return std::min({Top(l, node), Query(l, 2 * node, nlo, mid, lo, hi),
-                     Query(l, 2 * node + 1, mid + 1, nhi, lo, hi)});
+    return std::min(
+        {Top(node), Query(2 * node, nlo, mid, lo, hi), Query(2 * node + 1, mid + 1, nhi, lo, hi)});
 }
 
-uint32_t EdgeCanceller::Top(LongLine& l, int node) {
-    if (l.heapOf[node] == 0) return kNone;
-    std::vector<uint32_t>& heap = l.heaps[l.heapOf[node] - 1];
+uint32_t LineCanceller::Top(int node) {
+    if (m_heapOf[node] == 0) return kNone;
+    std::vector<uint32_t>& heap = m_heaps[m_heapOf[node] - 1];
     while (!heap.empty() && !m_waiting[heap.front()]) {
         std::pop_heap(heap.begin(), heap.end(), std::greater<uint32_t>());
         heap.pop_back();
     }
     return heap.empty() ? kNone : heap.front();
+}
+
+// The pass over `edges` (in list order): the surviving edges in list order.
+std::vector<Edge> CancelSharedEdges(const std::vector<Edge>& edges) {
+    const uint32_t n = (uint32_t)edges.size();
+    std::vector<Item> items;
+    items.reserve(n);
+    for (const Edge& e : edges) items.push_back(Item{e, kNone, 0, 0, 1});
+    std::vector<uint32_t> order(n);
+    std::iota(order.begin(), order.end(), 0u);
+    std::stable_sort(order.begin(), order.end(),
+                     [&](uint32_t a, uint32_t b) { return edges[a].line < edges[b].line; });
+    LineCanceller canceller;
+    std::vector<uint32_t> line;
+    for (uint32_t first = 0, last = 0; first < n; first = last) {
+        while (last < n && edges[order[last]].line == edges[order[first]].line) ++last;
+        line.assign(order.begin() + first, order.begin() + last);
+        canceller.Run(items, line);
+    }
+
+    // Places in the list: the input edges first, then each generation of pieces in the order
+    // of the cursors that made them.
+    std::vector<uint32_t> place(items.size());
+    std::iota(place.begin(), place.begin() + n, 0u);
+    std::vector<uint32_t> pieces(items.size() - n);
+    std::iota(pieces.begin(), pieces.end(), n);
+    std::stable_sort(pieces.begin(), pieces.end(), [&](uint32_t a, uint32_t b) {
+        return items[a].generation < items[b].generation;
+    });
+    uint32_t next = n;
+    for (size_t first = 0, last = 0; first < pieces.size(); first = last) {
+        while (last < pieces.size() &&
+               items[pieces[last]].generation == items[pieces[first]].generation)
+            ++last;
+        std::sort(pieces.begin() + first, pieces.begin() + last, [&](uint32_t a, uint32_t b) {
+            return std::make_pair(place[items[a].creator], items[a].piece) <
+                   std::make_pair(place[items[b].creator], items[b].piece);
+        });
+        for (size_t k = first; k < last; ++k) place[pieces[k]] = next++;
+    }
+    std::vector<uint32_t> atPlace(items.size());
+    for (uint32_t i = 0; i < items.size(); ++i) atPlace[place[i]] = i;
+    std::vector<Edge> survivors;
+    for (uint32_t i : atPlace)
+        if (items[i].alive) survivors.push_back(items[i].edge);
+    return survivors;
 }
 
 // True when the rectangles are already in QRegion's own form: y-x sorted bands of equal
@@ -394,12 +459,12 @@ int ConvertRgnDataToPath(int count, const tagRECT* rects, std::list<CLine>& out)
             }
         }
     }
-    for (const Edge& e : EdgeCanceller(std::move(horizontal)).Run()) {
+    for (const Edge& e : CancelSharedEdges(horizontal)) {
         CLine line(e.lo, e.line, e.hi, e.line);
         line.ArrangeInOrder();
         out.push_back(line);
     }
-    for (const Edge& e : EdgeCanceller(std::move(vertical)).Run()) {
+    for (const Edge& e : CancelSharedEdges(vertical)) {
         CLine line(e.line, e.lo, e.line, e.hi);
         line.ArrangeInOrder();
         out.push_back(line);

@@ -148,8 +148,9 @@ TEST(RegionOutline, WorkedOutlines) {
     EXPECT_TRUE(Outline({{0, 0, 1, 1}}, -3).empty());
 }
 
-// The indexed pass against every-pair comparison: few distinct coordinates make long lines of
-// overlapping, equal, point and inverted edges; wide ranges make short lines.
+// The pass against every-pair comparison. Few distinct coordinates make long lines of
+// overlapping, equal, point and inverted edges; wide ranges make short lines; a band of
+// rectangles side by side (some repeated) makes long lines whose edges never split.
 TEST(RegionOutline, SameSegmentsInTheSameOrderAsComparingEveryPair) {
     std::mt19937 random(7);
     for (int trial = 0; trial < 300; ++trial) {
@@ -158,7 +159,9 @@ TEST(RegionOutline, SameSegmentsInTheSameOrderAsComparingEveryPair) {
         std::vector<tagRECT> rects;
         for (int i = 0; i < count; ++i) {
             const auto c = [&] { return (int32_t)(random() % span); };
-            rects.push_back(tagRECT{c(), c(), c(), c()});
+            if (trial % 3 != 1) rects.push_back(tagRECT{c(), c(), c(), c()});
+            if (trial % 3 == 1) rects.push_back(tagRECT{10 * i, 0, 10 * i + 1 + c() % 10, 5});
+            if (trial % 3 == 1 && c() % 8 == 0) rects.push_back(rects.back());
         }
         ASSERT_EQ(Outline(rects), EveryPairOutline(rects)) << "trial " << trial;
     }
