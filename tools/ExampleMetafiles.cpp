@@ -27,6 +27,37 @@ Bytes Brush(uint32_t handle, uint32_t style, uint32_t colour, uint32_t hatch) {
     return Bytes().u32(handle).u32(style).u32(colour).u32(hatch);
 }
 
+Bytes Region(const std::vector<mfb::Rect>& rects) {
+    return mfb::RegionData(rects);
+}
+
+// In the bottom right corner: a green filled and a red framed L-shaped region; a blue and
+// yellow triangle clipped by a rectangular region; a hatched square clipped by a diamond
+// path. An empty path bracket at the end drops the clip.
+void AddRegionsAndClips(mfb::Emf& emf) {
+    const Bytes filled = Region({{332, 218, 362, 228}, {332, 228, 342, 252}});
+    const Bytes framed = Region({{368, 218, 396, 228}, {368, 228, 378, 252}});
+    const Bytes window = Region({{332, 262, 362, 296}});
+    emf.record(mfb::EMR_CREATEBRUSHINDIRECT, Brush(20, 0, kGreen, 0))
+        .record(mfb::EMR_CREATEBRUSHINDIRECT, Brush(21, 0, kRed, 0))
+        .record(mfb::EMR_FILLRGN, Bounds().u32(filled.size()).u32(20).append(filled))
+        .record(mfb::EMR_FRAMERGN,
+                Bounds().u32(framed.size()).u32(21).i32(2).i32(2).append(framed));
+    emf.record(mfb::EMR_EXTSELECTCLIPRGN, Bytes().u32(window.size()).u32(1).append(window))
+        .record(mfb::EMR_SELECTOBJECT, Bytes().u32(1))
+        .record(mfb::EMR_SELECTOBJECT, Bytes().u32(2))
+        .record(mfb::EMR_POLYGON16, Poly16({{320, 300}, {347, 250}, {374, 300}}));
+    emf.record(mfb::EMR_BEGINPATH, Bytes())
+        .record(mfb::EMR_POLYGON16, Poly16({{381, 258}, {396, 277}, {381, 296}, {366, 277}}))
+        .record(mfb::EMR_ENDPATH, Bytes())
+        .record(mfb::EMR_SELECTCLIPPATH, Bytes().u32(5))
+        .record(mfb::EMR_SELECTOBJECT, Bytes().u32(3))
+        .record(mfb::EMR_POLYGON16, Poly16({{364, 256}, {398, 256}, {398, 298}, {364, 298}}))
+        .record(mfb::EMR_BEGINPATH, Bytes())
+        .record(mfb::EMR_ENDPATH, Bytes())
+        .record(mfb::EMR_ABORTPATH, Bytes());
+}
+
 }  // namespace
 
 QByteArray ExampleEmf() {
@@ -76,6 +107,7 @@ QByteArray ExampleEmf() {
         .record(mfb::EMR_POLYGON16, Poly16({{200, 230}, {260, 290}, {320, 230}, {260, 250}}))
         .record(mfb::EMR_ENDPATH, Bytes())
         .record(mfb::EMR_FILLPATH, Bounds());
+    AddRegionsAndClips(emf);
     return emf.build();
 }
 
