@@ -154,8 +154,9 @@ class Emf2SvgConverter {
     int OnExtSetClipRgn(unsigned char* record, unsigned int size);
     int OnSelectClipPath(unsigned char* record, unsigned int size);
     int OnIntersectClipRect(unsigned char* record, unsigned int size);
-    // Maps region rectangles in place, positions with the origins.
-    void MapInPlace(std::vector<tagRECT>& rects);
+    // The rectangles of the region data `offset` bytes into a fill or frame record, mapped
+    // as positions; the region header is normalised in place.
+    std::vector<tagRECT> MappedRegion(unsigned char* record, unsigned int size, size_t offset);
 
     // The handler of a record type, or null.
     const HandlerEntry* HandlerFor(unsigned int type) const {

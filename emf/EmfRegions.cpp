@@ -35,9 +35,14 @@ std::vector<tagRECT> RegionRects(const unsigned char* record, unsigned int size,
 
 }  // namespace
 
-void Emf2SvgConverter::MapInPlace(std::vector<tagRECT>& rects) {
+std::vector<tagRECT> Emf2SvgConverter::MappedRegion(unsigned char* record, unsigned int size,
+                                                    size_t offset) {
+    _RGNDATA& data = *reinterpret_cast<_RGNDATA*>(record + offset);
+    Init_RGNDATA(data);
+    std::vector<tagRECT> rects = RegionRects(record, size, offset, data.rdh);
     for (tagRECT& r : rects)
         r = tagRECT{MapX(r.left, 1), MapY(r.top, 1), MapX(r.right, 1), MapY(r.bottom, 1)};
+    return rects;
 }
 
 int Emf2SvgConverter::OnFillRgn(unsigned char* record, unsigned int size) {
@@ -45,10 +50,7 @@ int Emf2SvgConverter::OnFillRgn(unsigned char* record, unsigned int size) {
     if (IsEmptyRecord(record, size)) TRACE_RETURN(0);
     tagEMRFILLRGN& r = *reinterpret_cast<tagEMRFILLRGN*>(record);
     InitEMRFILLRGN(r);
-    Init_RGNDATA(r.RgnData);
-    std::vector<tagRECT> rects =
-        RegionRects(record, size, offsetof(tagEMRFILLRGN, RgnData), r.RgnData.rdh);
-    MapInPlace(rects);
+    const std::vector<tagRECT> rects = MappedRegion(record, size, offsetof(tagEMRFILLRGN, RgnData));
     m_writer.FillRgn((unsigned int)rects.size(), rects.data(), r.ihBrush);
     TRACE_RETURN(1);
 }
@@ -59,10 +61,8 @@ int Emf2SvgConverter::OnFrameRgn(unsigned char* record, unsigned int size) {
     if (IsEmptyRecord(record, size)) TRACE_RETURN(0);
     tagEMRFRAMERGN& r = *reinterpret_cast<tagEMRFRAMERGN*>(record);
     InitEMRFRAMERGN(r);
-    Init_RGNDATA(r.RgnData);
-    std::vector<tagRECT> rects =
-        RegionRects(record, size, offsetof(tagEMRFRAMERGN, RgnData), r.RgnData.rdh);
-    MapInPlace(rects);
+    const std::vector<tagRECT> rects =
+        MappedRegion(record, size, offsetof(tagEMRFRAMERGN, RgnData));
     m_writer.FrameRgn((unsigned int)rects.size(), rects.data(), r.ihBrush,
                       (unsigned int)r.szlStroke.cx, (unsigned int)r.szlStroke.cy);
     TRACE_RETURN(1);

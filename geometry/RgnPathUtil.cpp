@@ -365,6 +365,31 @@ std::vector<Edge> CancelSharedEdges(const std::vector<Edge>& edges) {
     return survivors;
 }
 
+// Horizontal segments lie along x on the line of their y, vertical ones along y.
+Edge AlongX(const CLine& l) {
+    return Edge{l.y1, l.x1, l.x2};
+}
+Edge AlongY(const CLine& l) {
+    return Edge{l.x1, l.y1, l.y2};
+}
+template <class L>
+L Horizontal(const Edge& e) {
+    return L(e.lo, e.line, e.hi, e.line);
+}
+template <class L>
+L Vertical(const Edge& e) {
+    return L(e.line, e.lo, e.line, e.hi);
+}
+
+// Appends the pieces of splitting `a` and `b` to `list` as segments; returns SplitEdges' result.
+template <class L>
+int SplitInto(const Edge& a, const Edge& b, std::list<L>& list, L (*segment)(const Edge&)) {
+    Edge pieces[2];
+    const int n = SplitEdges(a, b, pieces);
+    for (int k = 0; k < n; ++k) list.push_back(segment(pieces[k]));
+    return n;
+}
+
 // True when the rectangles are already in QRegion's own form: y-x sorted bands of equal
 // height that do not overlap, the rectangles of a band apart (not even touching), and no band
 // directly below one with the same spans. That form is unique to the area covered, so a
@@ -426,20 +451,12 @@ CVLine GetVLine(const tagRECT* r, bool right) {
 
 int HSplitIfOverlap(CHLine& a, CHLine& b, std::list<CHLine>& list) {
     TRACE_ENTER();
-    Edge pieces[2];
-    const int n = SplitEdges(Edge{a.y1, a.x1, a.x2}, Edge{b.y1, b.x1, b.x2}, pieces);
-    for (int k = 0; k < n; ++k)
-        list.push_back(CHLine(pieces[k].lo, pieces[k].line, pieces[k].hi, pieces[k].line));
-    TRACE_RETURN(n);
+    TRACE_RETURN(SplitInto(AlongX(a), AlongX(b), list, Horizontal<CHLine>));
 }
 
 int VSplitIfOverlap(CVLine& a, CVLine& b, std::list<CVLine>& list) {
     TRACE_ENTER();
-    Edge pieces[2];
-    const int n = SplitEdges(Edge{a.x1, a.y1, a.y2}, Edge{b.x1, b.y1, b.y2}, pieces);
-    for (int k = 0; k < n; ++k)
-        list.push_back(CVLine(pieces[k].line, pieces[k].lo, pieces[k].line, pieces[k].hi));
-    TRACE_RETURN(n);
+    TRACE_RETURN(SplitInto(AlongY(a), AlongY(b), list, Vertical<CVLine>));
 }
 
 int ConvertRgnDataToPath(int count, const tagRECT* rects, std::list<CLine>& out) {
@@ -449,26 +466,16 @@ int ConvertRgnDataToPath(int count, const tagRECT* rects, std::list<CLine>& out)
         horizontal.reserve(2 * (size_t)count);
         vertical.reserve(2 * (size_t)count);
         for (int i = 0; i < count; ++i) {
-            for (bool far : {false, true}) {
-                const CVLine v = GetVLine(&rects[i], far);
-                vertical.push_back(Edge{v.x1, v.y1, v.y2});
-            }
-            for (bool far : {false, true}) {
-                const CHLine h = GetHLine(&rects[i], far);
-                horizontal.push_back(Edge{h.y1, h.x1, h.x2});
-            }
+            for (bool far : {false, true}) vertical.push_back(AlongY(GetVLine(&rects[i], far)));
+            for (bool far : {false, true}) horizontal.push_back(AlongX(GetHLine(&rects[i], far)));
         }
     }
-    for (const Edge& e : CancelSharedEdges(horizontal)) {
-        CLine line(e.lo, e.line, e.hi, e.line);
+    const auto append = [&out](CLine line) {
         line.ArrangeInOrder();
         out.push_back(line);
-    }
-    for (const Edge& e : CancelSharedEdges(vertical)) {
-        CLine line(e.line, e.lo, e.line, e.hi);
-        line.ArrangeInOrder();
-        out.push_back(line);
-    }
+    };
+    for (const Edge& e : CancelSharedEdges(horizontal)) append(Horizontal<CLine>(e));
+    for (const Edge& e : CancelSharedEdges(vertical)) append(Vertical<CLine>(e));
     TRACE_RETURN(1);
 }
 
