@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <functional>
 #include <list>
 #include <random>
 #include <tuple>
@@ -15,15 +14,16 @@
 
 namespace {
 
-using Segments = std::vector<std::tuple<int, int, int, int>>;
-
-Segments Listed(const std::list<CLine>& lines) {
-    Segments s;
-    for (const CLine& l : lines) s.emplace_back(l.x1, l.y1, l.x2, l.y2);
+// Segments as "x1,y1-x2,y2" each followed by a space.
+template <class L>
+std::string Listed(const std::list<L>& lines) {
+    std::string s;
+    for (const CLine& l : lines)
+        s += QString::asprintf("%d,%d-%d,%d ", l.x1, l.y1, l.x2, l.y2).toStdString();
     return s;
 }
 
-Segments Outline(const std::vector<tagRECT>& rects, int count = INT_MAX) {
+std::string Outline(const std::vector<tagRECT>& rects, int count = INT_MAX) {
     std::list<CLine> out;
     EXPECT_EQ(ConvertRgnDataToPath(std::min(count, (int)rects.size()), rects.data(), out), 1);
     return Listed(out);
@@ -48,14 +48,12 @@ void EveryPairPass(std::list<L>& list, Split split) {
     }
 }
 
-Segments EveryPairOutline(const std::vector<tagRECT>& rects) {
+std::string EveryPairOutline(const std::vector<tagRECT>& rects) {
     std::list<CHLine> h;
     std::list<CVLine> v;
     for (const tagRECT& r : rects) {
-        v.push_back(GetVLine(&r, false));
-        v.push_back(GetVLine(&r, true));
-        h.push_back(GetHLine(&r, false));
-        h.push_back(GetHLine(&r, true));
+        for (bool far : {false, true})
+            v.push_back(GetVLine(&r, far)), h.push_back(GetHLine(&r, far));
     }
     EveryPairPass(h, HSplitIfOverlap);
     EveryPairPass(v, VSplitIfOverlap);
@@ -65,87 +63,50 @@ Segments EveryPairOutline(const std::vector<tagRECT>& rects) {
     return Listed(out);
 }
 
-std::vector<tagRECT> Union(const QRegion& region) {
+// The rectangles of a region as "left,top,right,bottom" each followed by a space.
+std::string Union(const QRegion& region) {
     tagRECT* rects = nullptr;
     const int n = GetRects(region, &rects);
-    std::vector<tagRECT> out(rects, rects + n);
+    std::string s;
+    for (int i = 0; i < n; ++i)
+        s += QString::asprintf("%d,%d,%d,%d ", rects[i].left, rects[i].top, rects[i].right,
+                               rects[i].bottom)
+                 .toStdString();
     delete[] rects;
-    return out;
+    return s;
 }
 
 }  // namespace
 
-inline bool operator==(const tagRECT& a, const tagRECT& b) {
-    return std::tie(a.left, a.top, a.right, a.bottom) == std::tie(b.left, b.top, b.right, b.bottom);
-}
-
-TEST(RegionOutline, SplitsOfCollinearSegments) {
-    // a, b as (from, to) on line 0 unless given; the result and the pieces.
-    const std::tuple<int, int, int, int, int, int, Segments> cases[] = {
-        {0, 0, 10, 5, 20, 2, {{0, 0, 5, 0}, {10, 0, 20, 0}}},
-        {0, 0, 20, 5, 10, 2, {{0, 0, 5, 0}, {10, 0, 20, 0}}},
-        {0, 0, 10, 0, 4, 1, {{4, 0, 10, 0}}},
-        {0, 0, 10, 0, 10, 0, {}},                            // equal: both stay
-        {0, 0, 10, 10, 20, -1, {}},                          // touching end to end
-        {0, 0, 10, 11, 20, -1, {}},                          // apart
-        {1, 0, 10, 5, 20, -1, {}},                           // different lines
-        {0, 5, 5, 0, 10, 2, {{0, 0, 5, 0}, {5, 0, 10, 0}}},  // a point inside cuts the other
-    };
-    for (const auto& [line, a1, a2, b1, b2, result, pieces] : cases) {
-        CHLine ha(a1, line, a2, line), hb(b1, 0, b2, 0);
-        CVLine va(line, a1, line, a2), vb(0, b1, 0, b2);
-        std::list<CHLine> hl;
-        std::list<CVLine> vl;
-        EXPECT_EQ(HSplitIfOverlap(ha, hb, hl), result) << a1 << " " << b1;
-        EXPECT_EQ(VSplitIfOverlap(va, vb, vl), result) << a1 << " " << b1;
-        EXPECT_EQ(Listed(std::list<CLine>(hl.begin(), hl.end())), pieces);
-        Segments swapped;
-        for (const CVLine& v : vl) swapped.emplace_back(v.y1, v.x1, v.y2, v.x2);
-        EXPECT_EQ(swapped, pieces);
-    }
-}
-
 TEST(RegionOutline, WorkedOutlines) {
-    const std::vector<std::tuple<const char*, std::vector<tagRECT>, Segments>> cases = {
-        {"one rectangle: its four edges",
-         {{0, 0, 10, 10}},
-         {{0, 0, 10, 0}, {0, 10, 10, 10}, {0, 0, 0, 10}, {10, 0, 10, 10}}},
-        {"touching along x = 10: seven segments, the top in two pieces",
-         {{0, 0, 10, 10}, {10, 0, 20, 5}},
-         {{0, 0, 10, 0},
-          {0, 10, 10, 10},
-          {10, 0, 20, 0},
-          {10, 5, 20, 5},
-          {0, 0, 0, 10},
-          {20, 0, 20, 5},
-          {10, 5, 10, 10}}},
-        {"stacked with overlapping x ranges: the shared edges become their remainders",
-         {{0, 0, 10, 5}, {5, 5, 20, 10}},
-         {{0, 0, 10, 0},
-          {5, 10, 20, 10},
-          {0, 5, 5, 5},
-          {10, 5, 20, 5},
-          {0, 0, 0, 5},
-          {10, 0, 10, 5},
-          {5, 5, 5, 10},
-          {20, 5, 20, 10}}},
-        {"inverted: edges run from the smaller to the larger coordinate",
-         {{10, 10, 0, 0}},
-         {{0, 10, 10, 10}, {0, 0, 10, 0}, {10, 0, 10, 10}, {0, 0, 0, 10}}},
-        {"a whole shared edge of the same extent is kept twice",
-         {{0, 0, 10, 10}, {0, 10, 10, 20}},
-         {{0, 0, 10, 0},
-          {0, 10, 10, 10},
-          {0, 10, 10, 10},
-          {0, 20, 10, 20},
-          {0, 0, 0, 10},
-          {10, 0, 10, 10},
-          {0, 10, 0, 20},
-          {10, 10, 10, 20}}},
+    const std::vector<std::pair<std::vector<tagRECT>, std::string>> cases = {
+        // One rectangle: its four edges.
+        {{{0, 0, 10, 10}}, "0,0-10,0 0,10-10,10 0,0-0,10 10,0-10,10 "},
+        // Touching along x = 10: seven segments, the top in two pieces.
+        {{{0, 0, 10, 10}, {10, 0, 20, 5}},
+         "0,0-10,0 0,10-10,10 10,0-20,0 10,5-20,5 0,0-0,10 20,0-20,5 10,5-10,10 "},
+        // Stacked with overlapping x ranges: the shared edges become their remainders.
+        {{{0, 0, 10, 5}, {5, 5, 20, 10}},
+         "0,0-10,0 5,10-20,10 0,5-5,5 10,5-20,5 0,0-0,5 10,0-10,5 5,5-5,10 20,5-20,10 "},
+        // Inverted: edges run from the smaller to the larger coordinate.
+        {{{10, 10, 0, 0}}, "0,10-10,10 0,0-10,0 10,0-10,10 0,0-0,10 "},
+        // A whole shared edge of the same extent is kept twice.
+        {{{0, 0, 10, 10}, {0, 10, 10, 20}},
+         "0,0-10,0 0,10-10,10 0,10-10,10 0,20-10,20 0,0-0,10 10,0-10,10 0,10-0,20 10,10-10,20 "},
+        // A point edge inside another cuts it in two.
+        {{{5, 0, 5, 3}, {0, 0, 10, 3}},
+         "0,0-5,0 5,0-10,0 0,3-5,3 5,3-10,3 5,0-5,3 5,0-5,3 0,0-0,3 10,0-10,3 "},
     };
-    for (const auto& [name, rects, expected] : cases) EXPECT_EQ(Outline(rects), expected) << name;
-    EXPECT_TRUE(Outline({{0, 0, 1, 1}}, 0).empty());
-    EXPECT_TRUE(Outline({{0, 0, 1, 1}}, -3).empty());
+    for (const auto& [rects, expected] : cases) EXPECT_EQ(Outline(rects), expected);
+    EXPECT_EQ(Outline({{0, 0, 1, 1}}, 0) + Outline({{0, 0, 1, 1}}, -3), "");
+    // Equal segments split into nothing (0), touching ones not at all (-1).
+    CHLine a(0, 0, 10, 0), b(0, 0, 10, 0), c(10, 0, 20, 0);
+    CVLine v(0, 0, 0, 10), w(0, 2, 0, 4);
+    std::list<CHLine> h;
+    std::list<CVLine> vl;
+    EXPECT_EQ(HSplitIfOverlap(a, b, h) * 10 + HSplitIfOverlap(a, c, h), -1);
+    EXPECT_EQ(VSplitIfOverlap(v, w, vl), 2);
+    EXPECT_EQ(Listed(h) + Listed(vl), "0,0-0,2 0,4-0,10 ");
 }
 
 // The pass against every-pair comparison. Few distinct coordinates make long lines of
@@ -168,14 +129,10 @@ TEST(RegionOutline, SameSegmentsInTheSameOrderAsComparingEveryPair) {
 }
 
 TEST(RegionConversion, UnionAndRectanglesOfARegion) {
-    EXPECT_EQ(Union(CreateQRegionFromRects(
-                  2, std::vector<tagRECT>{{0, 0, 10, 10}, {10, 0, 20, 10}}.data())),
-              (std::vector<tagRECT>{{0, 0, 20, 10}}));
-    EXPECT_TRUE(Union(CreateQRegionFromRects(0, nullptr)).empty());
-    const tagRECT huge = {INT_MIN, INT_MIN, INT_MAX, INT_MAX};
-    const int32_t limit = (1 << 30) - 1;
-    EXPECT_EQ(Union(CreateQRegionFromRects(1, &huge)),
-              (std::vector<tagRECT>{{-limit, -limit, limit, limit}}));
+    const tagRECT cases[] = {{0, 0, 10, 10}, {10, 0, 20, 10}, {INT_MIN, INT_MIN, INT_MAX, INT_MAX}};
+    EXPECT_EQ(Union(CreateQRegionFromRects(2, cases)), "0,0,20,10 ");
+    EXPECT_EQ(Union(CreateQRegionFromRects(1, cases + 2)),  // cut to 2^30 - 1
+              "-1073741823,-1073741823,1073741823,1073741823 ");
 
     // Any list, and a list already in the region's own form (which is set directly), give
     // the union made one rectangle at a time.
@@ -190,19 +147,20 @@ TEST(RegionConversion, UnionAndRectanglesOfARegion) {
             oneByOne =
                 oneByOne.united(QRegion(QRect(r.left, r.top, r.right - r.left, r.bottom - r.top)));
         }
-        const std::vector<tagRECT> expected = Union(oneByOne);
-        ASSERT_EQ(Union(CreateQRegionFromRects((int)rects.size(), rects.data())), expected);
-        ASSERT_EQ(Union(CreateQRegionFromRects((int)expected.size(), expected.data())), expected);
+        ASSERT_EQ(Union(CreateQRegionFromRects((int)rects.size(), rects.data())), Union(oneByOne));
+        tagRECT* own = nullptr;
+        const int n = GetRects(oneByOne, &own);
+        ASSERT_EQ(Union(CreateQRegionFromRects(n, own)), Union(oneByOne));
+        delete[] own;
     }
 }
 
 namespace {
 
-using Draw = std::function<void(CMySVGWriter&)>;
-
 const std::string kNoPen = R"(stroke="none" stroke-width="1"  fill="none" )";
 const std::string kRedFill = "stroke=\"none\" stroke-width=\"1\" fill=\"#ff0000\"\n";
 const std::string kClipRect = R"(stroke="none" fill="none" stroke-width="1" )";
+const std::string kCurrent = R"(stroke="black" stroke-width="1" fill="none" )";
 
 std::string Rect(const tagRECT& r, const std::string& style) {
     return QString::asprintf(
@@ -227,73 +185,8 @@ std::string ClipDef(int id, const std::string& content) {
     return "\n<defs><clipPath id= \"ClPath" + std::to_string(id) + "\">" + content +
            "</clipPath></defs>";
 }
-std::string Clipped(int id) {
-    return R"(stroke="black" stroke-width="1" fill="none" clip-path="url(#ClPath)" +
-           std::to_string(id) + ")\"";
-}
 
 const tagRECT kTouching[] = {{0, 0, 10, 10}, {10, 0, 20, 5}};
-
-}  // namespace
-
-TEST(RegionWriter, FillsFramesAndClipDefinitions) {
-    const tagPOINT triangle[] = {{0, 0}, {5, 0}, {5, 5}};
-    const std::vector<std::tuple<const char*, Draw, std::string>> cases = {
-        {"fill: a rectangle each in the brush colour, none without a brush or a positive count",
-         [](CMySVGWriter& w) {
-             w.CreateBrushI(1, 0, 0, 0xFF);
-             w.FillRgn(2, kTouching, 1);
-             w.FillRgn(1, kTouching, 9);
-             w.FillRgn(0, kTouching, 1);
-             w.FillRgn(0x80000000u, kTouching, 1);
-         },
-         Rect(kTouching[0], kRedFill) + Rect(kTouching[1], kRedFill) +
-             Rect(kTouching[0], R"(stroke="none" stroke-width="1" )")},
-        {"frame: the outline, vertical segments as wide as the width, horizontal ones the height",
-         [](CMySVGWriter& w) {
-             w.CreateBrushI(1, 0, 0, 0xFF);
-             w.FrameRgn(2, kTouching, 1, 2, 3);
-             w.FrameRgn(2, kTouching, 9, 4, 5);
-         },
-         TouchingOutline("stroke=\"#ff0000\"\nstroke-width=\"3\" ",
-                         "stroke=\"#ff0000\"\nstroke-width=\"2\" ") +
-             TouchingOutline("stroke-width=\"5\" ", "stroke-width=\"4\" ")},
-        {"clip regions: numbered definitions, each the clip of what is drawn in the current style",
-         [](CMySVGWriter& w) {
-             const tagRECT r = {0, 0, 50, 40};
-             w.SetExtClipRgn(1, &r);
-             w.DrawLine(1, 2, 3, 4, QByteArray());
-             w.SetExtClipRgn(0, nullptr);
-             w.DrawLine(1, 2, 3, 4, QByteArray());
-         },
-         ClipDef(1, Rect({0, 0, 50, 40}, kClipRect)) + Line(1, 2, 3, 4, Clipped(1)) +
-             ClipDef(2, "") + Line(1, 2, 3, 4, Clipped(2))},
-        {"clip paths: the bracket's data; a second first drops the clip of the first; closing "
-         "numbers from 1 again",
-         [&](CMySVGWriter& w) {
-             w.StartPath();
-             w.DrawPolyLine(triangle, 3, true, false, QByteArray());
-             w.EndPath();
-             w.SelectClipPath(5);
-             w.DrawRect(1, 2, 3, 4, QByteArray(" stroke=\"red\" "), 0, 0);
-             w.SetExtClipRgn(1, kTouching);  // its rectangle keeps the path clip
-             w.SelectClipPath(1);
-             w.Close();
-             w.SetExtClipRgn(0, nullptr);
-         },
-         ClipDef(1, "\n<path d = \" M0,0  L5,0  L5,5  Z\" " + kNoPen + "/>\n") +
-             Rect({1, 2, 4, 6}, R"x( stroke="red" clip-path="url(#ClPath1)")x") +
-             ClipDef(2, Rect(kTouching[0], kClipRect + R"x(clip-path="url(#ClPath1)")x")) +
-             ClipDef(3, "\n<path d = \"\" " + kNoPen + "/>\n") + "</svg>\n" + ClipDef(1, "")},
-    };
-    for (const auto& [name, draw, expected] : cases) {
-        CMySVGWriter w;
-        draw(w);
-        EXPECT_EQ(w.GetSVGOutput().toStdString(), expected) << name;
-    }
-}
-
-namespace {
 
 using mfb::Bytes;
 using mfb::RegionData;
@@ -310,16 +203,19 @@ std::string BothOrders(const mfb::Emf& e) {
 
 // MM_ANISOTROPIC with every coordinate halved.
 mfb::Emf Halved() {
-    mfb::Emf e;
-    e.bounds(0, 0, 100, 50)
+    return mfb::Emf()
+        .bounds(0, 0, 100, 50)
         .record(mfb::EMR_SETMAPMODE, Bytes().u32(8))
         .record(mfb::EMR_SETWINDOWEXTEX, Bytes().i32(1000).i32(1000))
         .record(mfb::EMR_SETVIEWPORTEXTEX, Bytes().i32(500).i32(500));
-    return e;
 }
 
-Bytes Fill(uint32_t brush, const Bytes& region) {
-    return Bytes().zeros(16).u32(region.size()).u32(brush).append(region);
+// A fill record's payload, or with the stroke sizes a frame record's.
+Bytes Fill(uint32_t brush, const Bytes& region, const Bytes& stroke = Bytes()) {
+    return Bytes().zeros(16).u32(region.size()).u32(brush).append(stroke).append(region);
+}
+Bytes Poly16(std::initializer_list<std::pair<int, int>> points) {
+    return Bytes().zeros(16).u32((uint32_t)points.size()).append(mfb::Points16(points));
 }
 Bytes Clip(uint32_t mode, const Bytes& region) {
     return Bytes().u32(region.size()).u32(mode).append(region);
@@ -327,16 +223,18 @@ Bytes Clip(uint32_t mode, const Bytes& region) {
 
 }  // namespace
 
-// Fill and frame rectangles are mapped, the stroke sizes not. Counts beyond the record are cut
-// to the rectangles inside it, counts with the top bit set give none; the rectangles may start
-// anywhere after the header.
+// Fill and frame rectangles are mapped, the stroke sizes not (vertical segments as wide as the
+// width, horizontal ones the height); without a brush entry there is no colour. Counts beyond
+// the record are cut to the rectangles inside it, counts with the top bit set give none; the
+// rectangles may start anywhere after the header.
 TEST(EmfRegions, FillAndFrameRecords) {
     const std::vector<mfb::Rect> touching = {{0, 0, 20, 20}, {20, 0, 40, 10}};
     mfb::Emf e = Halved();
     e.record(mfb::EMR_CREATEBRUSHINDIRECT, Bytes().u32(1).u32(0).u32(0xFF).u32(0))
         .record(mfb::EMR_FILLRGN, Fill(1, RegionData(touching)))
-        .record(mfb::EMR_FRAMERGN,
-                Bytes().zeros(16).u32(0).u32(1).u32(2).u32(3).append(RegionData(touching)))
+        .record(mfb::EMR_FRAMERGN, Fill(1, RegionData(touching), Bytes().u32(2).u32(3)))
+        .record(mfb::EMR_FRAMERGN, Fill(9, RegionData(touching), Bytes().u32(4).u32(5)))
+        .record(mfb::EMR_FILLRGN, Fill(9, RegionData({{0, 0, 20, 20}})))
         .record(mfb::EMR_FILLRGN, Fill(1, RegionData({{0, 0, 20, 20}}, 5)))
         .record(mfb::EMR_FILLRGN, Fill(1, RegionData(touching, 0x80000000u)))
         .record(mfb::EMR_FILLRGN, Fill(1, RegionData(touching, 0)))
@@ -347,12 +245,15 @@ TEST(EmfRegions, FillAndFrameRecords) {
     EXPECT_EQ(BothOrders(e), Rect(kTouching[0], kRedFill) + Rect(kTouching[1], kRedFill) +
                                  TouchingOutline("stroke=\"#ff0000\"\nstroke-width=\"3\" ",
                                                  "stroke=\"#ff0000\"\nstroke-width=\"2\" ") +
+                                 TouchingOutline("stroke-width=\"5\" ", "stroke-width=\"4\" ") +
+                                 Rect(kTouching[0], R"(stroke="none" stroke-width="1" )") +
                                  Rect(kTouching[0], kRedFill) + Rect(kTouching[1], kRedFill));
 }
 
 // The clip region starts as the header's bounds; AND, OR and XOR records combine their
 // rectangles into it unmapped, other modes leave it, and every record with region data makes
-// the result the clip.
+// the result the clip. A clip path from a bracket then clips pen-styled elements too, and the
+// rectangles of a region clip defined while it is selected; the next clip path drops it first.
 TEST(EmfRegions, ClipRegionsAccumulate) {
     mfb::Emf e = Halved();
     e.record(mfb::EMR_EXTSELECTCLIPRGN, Clip(1, RegionData({{10, 10, 30, 30}})))
@@ -362,30 +263,28 @@ TEST(EmfRegions, ClipRegionsAccumulate) {
         .record(mfb::EMR_EXTSELECTCLIPRGN, Clip(3, RegionData({{20, 10, 25, 20}})))
         .record(mfb::EMR_EXTSELECTCLIPRGN, Bytes().u32(0).u32(1).append(RegionData({})))
         .record(mfb::EMR_INTERSECTCLIPRECT, Bytes().i32(0).i32(0).i32(1).i32(1))
-        .record(mfb::EMR_LINETO, Bytes().i32(8).i32(8));
-    const auto def = [](int id, std::vector<tagRECT> rects) {
-        std::string content;
-        for (const tagRECT& r : rects) content += Rect(r, kClipRect);
-        return ClipDef(id, content);
-    };
-    EXPECT_EQ(BothOrders(e), def(1, {{10, 10, 30, 30}}) + def(2, {{20, 10, 30, 20}}) +
-                                 def(3, {{20, 10, 30, 20}, {0, 40, 10, 50}}) +
-                                 def(4, {{20, 10, 30, 20}, {0, 40, 10, 50}}) +
-                                 def(5, {{25, 10, 30, 20}, {0, 40, 10, 50}}) +
-                                 Line(0, 0, 4, 4, Clipped(5)));
-}
-
-// A clip path clips what follows, pen-styled elements included.
-TEST(EmfRegions, ClipPathFromTheBracket) {
-    mfb::Emf e;
-    e.record(mfb::EMR_BEGINPATH, Bytes())
-        .record(mfb::EMR_POLYGON16,
-                Bytes().zeros(16).u32(3).append(mfb::Points16({{0, 0}, {5, 0}, {5, 5}})))
+        .record(mfb::EMR_LINETO, Bytes().i32(8).i32(8))
+        .record(mfb::EMR_BEGINPATH, Bytes())
+        .record(mfb::EMR_POLYGON16, Poly16({{0, 0}, {10, 0}, {10, 10}}))
         .record(mfb::EMR_ENDPATH, Bytes())
         .record(mfb::EMR_SELECTCLIPPATH, Bytes().u32(5))
-        .record(mfb::EMR_POLYLINE16,
-                Bytes().zeros(16).u32(2).append(mfb::Points16({{1, 1}, {2, 2}})));
-    EXPECT_EQ(BothOrders(e), ClipDef(1, "\n<path d = \" M0,0  L5,0  L5,5  Z\" " + kNoPen + "/>\n") +
-                                 "<polyline points=\"1,1 2,2 \n\" " + kNoPen +
-                                 "clip-path=\"url(#ClPath1)\"/>\n");
+        .record(mfb::EMR_POLYLINE16, Poly16({{2, 2}, {4, 4}}))
+        .record(mfb::EMR_EXTSELECTCLIPRGN, Clip(2, RegionData({{0, 40, 4, 44}})))
+        .record(mfb::EMR_SELECTCLIPPATH, Bytes().u32(5));
+    const std::string clipped6 = "clip-path=\"url(#ClPath6)\"";
+    const auto def = [](int id, std::vector<tagRECT> rects, const std::string& clip = "") {
+        std::string content;
+        for (const tagRECT& r : rects) content += Rect(r, kClipRect + clip);
+        return ClipDef(id, content);
+    };
+    EXPECT_EQ(BothOrders(e),
+              def(1, {{10, 10, 30, 30}}) + def(2, {{20, 10, 30, 20}}) +
+                  def(3, {{20, 10, 30, 20}, {0, 40, 10, 50}}) +
+                  def(4, {{20, 10, 30, 20}, {0, 40, 10, 50}}) +
+                  def(5, {{25, 10, 30, 20}, {0, 40, 10, 50}}) +
+                  Line(0, 0, 4, 4, kCurrent + R"x(clip-path="url(#ClPath5)")x") +
+                  ClipDef(6, "\n<path d = \" M0,0  L5,0  L5,5  Z\" " + kNoPen + "/>\n") +
+                  "<polyline points=\"1,1 2,2 \n\" " + kNoPen + clipped6 + "/>\n" +
+                  def(7, {{25, 10, 30, 20}, {0, 40, 10, 50}}, clipped6) +
+                  ClipDef(8, "\n<path d = \"\" " + kNoPen + "/>\n"));
 }
