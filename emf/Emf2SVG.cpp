@@ -37,6 +37,7 @@ int RoundSize(float v) {
 
 Emf2SvgConverter::Emf2SvgConverter()
     : m_handlers(nullptr),
+      m_clipBudget(0),
       m_recordNames(nullptr),
       m_vpScaleX(1.0f),
       m_vpScaleY(1.0f),
@@ -101,6 +102,7 @@ int Emf2SvgConverter::ConvertEMFToSVG(const unsigned char* data, CLogger& log) {
 
 void Emf2SvgConverter::SetupPicture(const tagENHMETAHEADER& h) {
     m_boundsRegion = QRegion(RectToQRect(h.rclBounds));
+    m_clipBudget = h.nBytes / 4 + (1u << 18);
 
     // Frame scales: 0.01 mm per device unit. A degenerate bounds or frame rectangle would
     // make a zero or infinite divisor; the scale then stays 1.

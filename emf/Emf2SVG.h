@@ -168,6 +168,7 @@ class Emf2SvgConverter {
     const HandlerEntry* m_handlers;  // kHandlerTableSize entries, shared by all converters
     CMySVGWriter m_writer;
     QRegion m_boundsRegion;
+    uint64_t m_clipBudget;  // rectangles that clip-region records may still combine and write
     const char* const* m_recordNames;  // kNameTableSize entries, shared by all converters
     float m_vpScaleX;
     float m_vpScaleY;

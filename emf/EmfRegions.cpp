@@ -71,6 +71,13 @@ int Emf2SvgConverter::OnFrameRgn(unsigned char* record, unsigned int size) {
 // AND, OR and XOR combine the record's region into the accumulated one; every other mode
 // (RGN_DIFF, RGN_COPY, ...) leaves it as it is. Either way the accumulated region becomes the
 // clip. A record without region data changes nothing.
+//
+// Every record writes the whole accumulated region, so records that repeat a large one could
+// make a document of the square of the file's size. Combining and writing are therefore paid
+// from a budget of rectangles that grows with the file (m_clipBudget): a record costs the
+// rectangles it combines plus a bound of the region it makes, or, when it combines nothing,
+// the rectangles it writes. A record the budget cannot pay for, or whose region would exceed
+// kMaxRegionRects, is skipped like one without region data.
 int Emf2SvgConverter::OnExtSetClipRgn(unsigned char* record, unsigned int size) {
     TRACE_ENTER();
     if (IsEmptyRecord(record, size)) TRACE_RETURN(0);
@@ -78,14 +85,23 @@ int Emf2SvgConverter::OnExtSetClipRgn(unsigned char* record, unsigned int size) 
     InitEMREXTSELECTCLIPRGN(r);
     if (r.cbRgnData == 0) TRACE_RETURN(1);
     Init_RGNDATA(r.RgnData);
+    QRegion next = m_boundsRegion;
+    uint64_t cost = (uint64_t)m_boundsRegion.rectCount();
     if (r.iMode == kRgnAnd || r.iMode == kRgnOr || r.iMode == kRgnXor) {
         const std::vector<tagRECT> rects =
             RegionRects(record, size, offsetof(tagEMREXTSELECTCLIPRGN, RgnData), r.RgnData.rdh);
-        const QRegion region = CreateQRegionFromRects((int)rects.size(), rects.data());
-        if (r.iMode == kRgnAnd) m_boundsRegion &= region;
-        if (r.iMode == kRgnOr) m_boundsRegion |= region;
-        if (r.iMode == kRgnXor) m_boundsRegion ^= region;
+        bool tooComplex = false;
+        const QRegion region = CreateQRegionFromRects((int)rects.size(), rects.data(), &tooComplex);
+        const uint64_t bound = CombinedRectBound(m_boundsRegion, region);
+        cost = rects.size() + bound;
+        if (tooComplex || bound > kMaxRegionRects || cost > m_clipBudget) TRACE_RETURN(1);
+        if (r.iMode == kRgnAnd) next &= region;
+        if (r.iMode == kRgnOr) next |= region;
+        if (r.iMode == kRgnXor) next ^= region;
     }
+    if (cost > m_clipBudget) TRACE_RETURN(1);
+    m_clipBudget -= cost;
+    m_boundsRegion = next;
     tagRECT* clip = nullptr;
     const int count = GetRects(m_boundsRegion, &clip);
     const std::unique_ptr<tagRECT[]> owned(clip);

@@ -415,12 +415,30 @@ bool InRegionForm(const std::vector<QRect>& boxes) {
     return true;
 }
 
+// The number of bands of a region and the most rectangles in one of them.
+std::pair<uint64_t, uint64_t> BandShape(const QRegion& region) {
+    uint64_t bands = 0, widest = 0, inBand = 0;
+    int top = 0;
+    for (const QRect& box : region) {
+        if (bands == 0 || box.top() != top) {
+            ++bands;
+            top = box.top();
+            inBand = 0;
+        }
+        widest = std::max(widest, ++inBand);
+    }
+    return {bands, widest};
+}
+
 // The union of boxes[lo, hi), halves first: each union costs the sizes of its two sides.
-QRegion Unite(const std::vector<QRect>& boxes, size_t lo, size_t hi) {
-    if (hi == lo) return QRegion();
+QRegion Unite(const std::vector<QRect>& boxes, size_t lo, size_t hi, bool& tooComplex) {
+    if (hi == lo || tooComplex) return QRegion();
     if (hi - lo == 1) return QRegion(boxes[lo]);
     const size_t mid = lo + (hi - lo) / 2;
-    return Unite(boxes, lo, mid).united(Unite(boxes, mid, hi));
+    const QRegion left = Unite(boxes, lo, mid, tooComplex);
+    const QRegion right = Unite(boxes, mid, hi, tooComplex);
+    tooComplex = tooComplex || CombinedRectBound(left, right) > kMaxRegionRects;
+    return tooComplex ? QRegion() : left.united(right);
 }
 
 }  // namespace
@@ -487,7 +505,13 @@ QRect RectToQRect(const tagRECT& r) {
     return QRect(QPoint(left, top), QPoint(right - 1, bottom - 1));
 }
 
-QRegion CreateQRegionFromRects(int count, const tagRECT* rects) {
+uint64_t CombinedRectBound(const QRegion& a, const QRegion& b) {
+    const auto [bandsA, widestA] = BandShape(a);
+    const auto [bandsB, widestB] = BandShape(b);
+    return 2 * (bandsA + bandsB) * (widestA + widestB);
+}
+
+QRegion CreateQRegionFromRects(int count, const tagRECT* rects, bool* tooComplex) {
     std::vector<QRect> boxes;
     if (count > 0 && rects) {
         boxes.reserve((size_t)count);
@@ -496,9 +520,13 @@ QRegion CreateQRegionFromRects(int count, const tagRECT* rects) {
             if (!box.isEmpty()) boxes.push_back(box);
         }
     }
-    if (!InRegionForm(boxes)) return Unite(boxes, 0, boxes.size());
+    bool complex = false;
     QRegion region;
-    region.setRects(boxes.data(), (int)boxes.size());
+    if (InRegionForm(boxes))
+        region.setRects(boxes.data(), (int)boxes.size());
+    else
+        region = Unite(boxes, 0, boxes.size(), complex);
+    if (tooComplex) *tooComplex = complex;
     return region;
 }
 

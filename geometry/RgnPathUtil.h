@@ -66,8 +66,16 @@ int ConvertRgnDataToPath(int count, const tagRECT* rects, std::list<CLine>& out)
 // The rectangle as a QRect, empty when it has no area. Coordinates are first cut to
 // +-(2^30 - 1), so that widths and heights stay within int in the region arithmetic.
 QRect RectToQRect(const tagRECT& r);
-// The union of `count` rectangles (none for a count of 0 or less).
-QRegion CreateQRegionFromRects(int count, const tagRECT* rects);
+// The most rectangles a region built or combined here may have (16 MiB of QRect).
+const uint64_t kMaxRegionRects = 1 << 20;
+// An upper bound of the rectangles of the union, intersection or symmetric difference of two
+// regions: the bands of the result lie between band edges of the two, and each band holds at
+// most the spans of both. Rectangles crossing each other can make a region of the square of
+// their number; this bound keeps such regions from being made.
+uint64_t CombinedRectBound(const QRegion& a, const QRegion& b);
+// The union of `count` rectangles (none for a count of 0 or less). When a step of the union
+// could exceed kMaxRegionRects, the result is empty and `tooComplex` (when given) is set.
+QRegion CreateQRegionFromRects(int count, const tagRECT* rects, bool* tooComplex = nullptr);
 // The region's rectangles, in its y-then-x band order, in a new array owned by the caller
 // (array delete); returns their number.
 int GetRects(const QRegion& region, tagRECT** rects);
