@@ -85,23 +85,23 @@ int Emf2SvgConverter::OnExtSetClipRgn(unsigned char* record, unsigned int size) 
     InitEMREXTSELECTCLIPRGN(r);
     if (r.cbRgnData == 0) TRACE_RETURN(1);
     Init_RGNDATA(r.RgnData);
-    QRegion next = m_boundsRegion;
+    const bool combine = r.iMode == kRgnAnd || r.iMode == kRgnOr || r.iMode == kRgnXor;
     uint64_t cost = (uint64_t)m_boundsRegion.rectCount();
-    if (r.iMode == kRgnAnd || r.iMode == kRgnOr || r.iMode == kRgnXor) {
+    QRegion region;
+    if (combine) {
         const std::vector<tagRECT> rects =
             RegionRects(record, size, offsetof(tagEMREXTSELECTCLIPRGN, RgnData), r.RgnData.rdh);
         bool tooComplex = false;
-        const QRegion region = CreateQRegionFromRects((int)rects.size(), rects.data(), &tooComplex);
+        region = CreateQRegionFromRects((int)rects.size(), rects.data(), &tooComplex);
         const uint64_t bound = CombinedRectBound(m_boundsRegion, region);
+        if (tooComplex || bound > kMaxRegionRects) TRACE_RETURN(1);
         cost = rects.size() + bound;
-        if (tooComplex || bound > kMaxRegionRects || cost > m_clipBudget) TRACE_RETURN(1);
-        if (r.iMode == kRgnAnd) next &= region;
-        if (r.iMode == kRgnOr) next |= region;
-        if (r.iMode == kRgnXor) next ^= region;
     }
     if (cost > m_clipBudget) TRACE_RETURN(1);
     m_clipBudget -= cost;
-    m_boundsRegion = next;
+    if (r.iMode == kRgnAnd) m_boundsRegion &= region;
+    if (r.iMode == kRgnOr) m_boundsRegion |= region;
+    if (r.iMode == kRgnXor) m_boundsRegion ^= region;
     tagRECT* clip = nullptr;
     const int count = GetRects(m_boundsRegion, &clip);
     const std::unique_ptr<tagRECT[]> owned(clip);

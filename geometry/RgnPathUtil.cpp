@@ -166,6 +166,9 @@ void LineCanceller::Run(std::vector<Item>& items, const std::vector<uint32_t>& l
         m_below.assign(2 * (size_t)m_leaves, kNone);
         m_heapOf.assign(2 * (size_t)m_leaves, 0);
         m_heapsUsed = 0;
+        // Clearing costs the buckets a longer line left; a short line starts afresh.
+        if (m_groupOfKey.bucket_count() > 4 * line.size() + 64)
+            std::unordered_map<uint64_t, uint32_t>().swap(m_groupOfKey);
         m_groupOfKey.clear();
         m_groups.clear();
         m_groupOf.assign(line.size(), kNone);
