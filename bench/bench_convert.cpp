@@ -2,8 +2,12 @@
 // file of the shared corpus as one batch (when present).
 #include <benchmark/benchmark.h>
 
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
+#include <QImage>
+#include <QRegularExpression>
+#include <string>
 #include <vector>
 
 #include "CLogSystem.h"
@@ -122,6 +126,56 @@ void BM_CorpusBatch(benchmark::State& state) {
     state.counters["files"] = (double)files.size();
 }
 
+// --- bitmap-heavy corpus files: the whole conversion, and the PNG encoding of its images alone
+
+const char* const kBitmapFiles[] = {
+    "emf/test-164.emf",           "emf/test-181.emf",           "emf/test-165.emf",
+    "emf/test-118.emf",           "emf/test-150.emf",           "emf/test-142.emf",
+    "mixed/test_libuemf_ref.emf", "mixed/test_libuemf_ref.wmf",
+};
+
+QByteArray ReadCorpusFile(const char* name) {
+    QFile f(QStringLiteral(SVGMODULE_CORPUS_DIR "/") + QLatin1String(name));
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+// The images a conversion of `file` embeds, decoded back from their PNG data.
+std::vector<QImage> EmbeddedImages(const QByteArray& file) {
+    static const QRegularExpression data(QStringLiteral("base64,\n([A-Za-z0-9+/=\n]*)\""));
+    QByteArray out;
+    ConvertMetaFileToSVG(file, out);
+    std::vector<QImage> images;
+    for (auto it = data.globalMatch(QString::fromLatin1(out)); it.hasNext();)
+        images.push_back(
+            QImage::fromData(QByteArray::fromBase64(it.next().captured(1).toLatin1()), "PNG"));
+    return images;
+}
+
+void BM_BitmapFile(benchmark::State& state, const char* name) {
+    const QByteArray file = ReadCorpusFile(name);
+    if (file.isEmpty()) return state.SkipWithError("no corpus");
+    Run(state, file);
+}
+
+// What the library spends on PNG encoding for the same file: its images encoded as it does.
+void BM_BitmapFilePngOnly(benchmark::State& state, const char* name) {
+    const QByteArray file = ReadCorpusFile(name);
+    if (file.isEmpty()) return state.SkipWithError("no corpus");
+    const std::vector<QImage> images = EmbeddedImages(file);
+    int64_t pixels = 0;
+    for (auto _ : state) {
+        for (const QImage& image : images) {
+            QByteArray png;
+            QBuffer buffer(&png);
+            buffer.open(QIODevice::ReadWrite);
+            image.save(&buffer, "PNG");
+            pixels += (int64_t)image.width() * image.height();
+        }
+    }
+    state.counters["images"] = (double)images.size();
+    state.counters["pixels/s"] = benchmark::Counter((double)pixels, benchmark::Counter::kIsRate);
+}
+
 }  // namespace
 
 BENCHMARK(BM_ExampleEmf);
@@ -136,6 +190,14 @@ BENCHMARK(BM_CorpusBatch)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv) {
     CLogSystem::theRootInstance->setLevel("OFF");
+    for (const char* name : kBitmapFiles) {
+        benchmark::RegisterBenchmark((std::string("BM_Bitmaps/") + name).c_str(), BM_BitmapFile,
+                                     name)
+            ->Unit(benchmark::kMillisecond);
+        benchmark::RegisterBenchmark((std::string("BM_BitmapsPngOnly/") + name).c_str(),
+                                     BM_BitmapFilePngOnly, name)
+            ->Unit(benchmark::kMillisecond);
+    }
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     return 0;

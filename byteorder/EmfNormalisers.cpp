@@ -262,3 +262,68 @@ int InitEMRPOLYPOLYGON16(tagEMRPOLYPOLYGON16* dst, const unsigned char* src, uns
                                 InitPOINTS);
     TRACE_RETURN(1);
 }
+
+// --- bitmap records ----------------------------------------------------------------------
+
+namespace {
+// The fields after the record header that the bit-block records share with EMR_BITBLT.
+void ConvertBltFields(tagEMRBITBLT& r) {
+    InitRECTL(r.rclBounds);
+    SwapAll(r.xDest, r.yDest, r.cxDest, r.cyDest, r.dwRop, r.xSrc, r.ySrc);
+    InitXFORM(r.xformSrc);
+    SwapAll(r.crBkColorSrc, r.iUsageSrc, r.offBmiSrc, r.cbBmiSrc, r.offBitsSrc, r.cbBitsSrc);
+}
+}  // namespace
+
+int InitBITMAPINFO(tagBITMAPINFOHEADER& h) {
+    TRACE_ENTER();
+    if (IsBigEndian())
+        SwapAll(h.biSize, h.biWidth, h.biHeight, h.biPlanes, h.biBitCount, h.biCompression,
+                h.biSizeImage, h.biXPelsPerMeter, h.biYPelsPerMeter, h.biClrUsed, h.biClrImportant);
+    TRACE_RETURN(1);
+}
+
+int InitEMRBITBLT(tagEMRBITBLT& r) {
+    TRACE_ENTER();
+    if (IsBigEndian()) {
+        InitEMR(r.emr);
+        ConvertBltFields(r);
+    }
+    TRACE_RETURN(1);
+}
+
+int InitEMRSTRETCHBLT(tagEMRSTRETCHBLT& r) {
+    TRACE_ENTER();
+    if (IsBigEndian()) {
+        ConvertBltFields(r.blt);
+        SwapAll(r.cxSrc, r.cySrc);
+    }
+    TRACE_RETURN(1);
+}
+
+int InitEMRTRANSPARENTBLT(tagEMRTRANSPARENTBLT& r) {
+    TRACE_ENTER();
+    InitEMRSTRETCHBLT(r);
+    TRACE_RETURN(1);
+}
+
+int InitEMRMASKBLT(tagEMRMASKBLT& r) {
+    TRACE_ENTER();
+    if (IsBigEndian()) {
+        ConvertBltFields(r.blt);
+        SwapAll(r.xMask, r.yMask, r.iUsageMask, r.offBmiMask, r.cbBmiMask, r.offBitsMask,
+                r.cbBitsMask);
+    }
+    TRACE_RETURN(1);
+}
+
+int InitEMRSTRETCHDIBITS(tagEMRSTRETCHDIBITS& r) {
+    TRACE_ENTER();
+    if (IsBigEndian()) {
+        InitEMR(r.emr);
+        InitRECTL(r.rclBounds);
+        SwapAll(r.xDest, r.yDest, r.xSrc, r.ySrc, r.cxSrc, r.cySrc, r.offBmiSrc, r.cbBmiSrc,
+                r.offBitsSrc, r.cbBitsSrc, r.iUsageSrc, r.dwRop, r.cxDest, r.cyDest);
+    }
+    TRACE_RETURN(1);
+}

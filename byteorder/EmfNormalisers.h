@@ -53,4 +53,13 @@ int Init_RGNDATA(_RGNDATA& d);
 int InitEMRPOLYPOLYGON(tagEMRPOLYPOLYGON* dst, const unsigned char* src, unsigned int size);
 int InitEMRPOLYPOLYGON16(tagEMRPOLYPOLYGON16* dst, const unsigned char* src, unsigned int size);
 
+// Bitmap records (in place). The bitmap header is converted on its own; its colour table and
+// pixel bits are bytes (16-bit pixels are converted as they are decoded).
+int InitBITMAPINFO(tagBITMAPINFOHEADER& h);
+int InitEMRBITBLT(tagEMRBITBLT& r);
+int InitEMRSTRETCHBLT(tagEMRSTRETCHBLT& r);
+int InitEMRTRANSPARENTBLT(tagEMRTRANSPARENTBLT& r);
+int InitEMRMASKBLT(tagEMRMASKBLT& r);
+int InitEMRSTRETCHDIBITS(tagEMRSTRETCHDIBITS& r);
+
 #endif

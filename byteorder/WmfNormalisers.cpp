@@ -238,3 +238,38 @@ int InitWMRPOLYPOLYLINE(tagWMRPOLYPOLYLINE* dst, const unsigned char* src, unsig
     ConvertPoints(out, src, layout.pointsOffset, layout.points);
     TRACE_RETURN(1);
 }
+
+// --- bitmap records ----------------------------------------------------------------------
+// The raster operation (32 bits at offset 6) and then only 16-bit fields up to the bitmap.
+
+namespace {
+template <class R>
+int ConvertBitmapRecord(R* dst, const unsigned char* src) {
+    InitWMR(Prefix(dst), src);
+    dst->RasterOperation = ReadU32(src, offsetof(R, RasterOperation));
+    auto* bytes = reinterpret_cast<unsigned char*>(dst);
+    for (size_t at = offsetof(R, RasterOperation) + 4; at < sizeof(R); at += 2) {
+        const uint16_t v = ReadU16(src, at);
+        std::memcpy(bytes + at, &v, 2);
+    }
+    return 1;
+}
+}  // namespace
+
+int InitWMRBITBLT(tagWMRBITBLT* dst, const unsigned char* src) {
+    TRACE_ENTER();
+    if (!IsBigEndian()) TRACE_RETURN(0);
+    TRACE_RETURN(ConvertBitmapRecord(dst, src));
+}
+
+int InitWMRDIBSTRETCHBLT(tagWMRDIBSTRETCHBLT* dst, const unsigned char* src) {
+    TRACE_ENTER();
+    if (!IsBigEndian()) TRACE_RETURN(0);
+    TRACE_RETURN(ConvertBitmapRecord(dst, src));
+}
+
+int InitWMRSTRETCHBLT(tagWMRSTRETCHBLT* dst, const unsigned char* src) {
+    TRACE_ENTER();
+    if (!IsBigEndian()) TRACE_RETURN(0);
+    TRACE_RETURN(ConvertBitmapRecord(dst, src));
+}

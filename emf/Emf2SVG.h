@@ -158,6 +158,24 @@ class Emf2SvgConverter {
     // as positions; the region header is normalised in place.
     std::vector<tagRECT> MappedRegion(unsigned char* record, unsigned int size, size_t offset);
 
+    // Bitmap records (EmfBitmaps.cpp).
+    int OnBitBlt(unsigned char* record, unsigned int size);
+    int OnStretchBlt(unsigned char* record, unsigned int size);
+    int OnMaskBlt(unsigned char* record, unsigned int size);
+    int OnPlgBlt(unsigned char* record, unsigned int size);
+    int OnStretchDIB(unsigned char* record, unsigned int size);
+    int OnTransparentBlt(unsigned char* record, unsigned int size);
+    // Where a record's bitmap lies and where it is drawn (logical units).
+    struct BitmapPlacement {
+        int32_t x, y, cx, cy;
+        uint32_t offBmi, offBits;
+        int op;           // the raster operation or transparent colour for the decoder
+        bool stretchDib;  // EMR_STRETCHDIBITS: 4-bit rows are padded as cbBits implies
+        uint32_t cbBits;
+    };
+    static BitmapPlacement Placement(const tagEMRBITBLT& blt, int op);
+    void DrawBitmap(const unsigned char* record, unsigned int size, const BitmapPlacement& at);
+
     // The handler of a record type, or null.
     const HandlerEntry* HandlerFor(unsigned int type) const {
         return type < kHandlerTableSize && m_handlers[type].handler ? &m_handlers[type] : nullptr;

@@ -62,6 +62,11 @@ const Emf2SvgConverter::HandlerEntry* Emf2SvgConverter::HandlerTable() {
         {71, &Emf2SvgConverter::OnFillRgn, sizeof(tagEMRFILLRGN)},
         {72, &Emf2SvgConverter::OnFrameRgn, sizeof(tagEMRFRAMERGN)},
         {75, &Emf2SvgConverter::OnExtSetClipRgn, sizeof(tagEMREXTSELECTCLIPRGN)},
+        {76, &Emf2SvgConverter::OnBitBlt, sizeof(tagEMRBITBLT)},
+        {77, &Emf2SvgConverter::OnStretchBlt, sizeof(tagEMRSTRETCHBLT)},
+        {78, &Emf2SvgConverter::OnMaskBlt, sizeof(tagEMRMASKBLT)},
+        {79, &Emf2SvgConverter::OnPlgBlt, sizeof(tagEMR)},
+        {81, &Emf2SvgConverter::OnStretchDIB, sizeof(tagEMRSTRETCHDIBITS)},
         {82, &Emf2SvgConverter::OnExtCreateFontIndirect, sizeof(tagEMREXTCREATEFONTINDIRECTW)},
         {85, &Emf2SvgConverter::OnPolyBezier16, sizeof(tagEMRPOLYLINE16)},
         {86, &Emf2SvgConverter::OnPolygon16, sizeof(tagEMRPOLYLINE16)},
@@ -73,6 +78,7 @@ const Emf2SvgConverter::HandlerEntry* Emf2SvgConverter::HandlerTable() {
         {92, &Emf2SvgConverter::OnPolyDraw, sizeof(tagEMRPOLYDRAW16)},
         {93, &Emf2SvgConverter::OnCreateMonoBrush, sizeof(tagEMR)},
         {95, &Emf2SvgConverter::OnCreatePenEx, sizeof(tagEMREXTCREATEPEN)},
+        {116, &Emf2SvgConverter::OnTransparentBlt, sizeof(tagEMRTRANSPARENTBLT)},
     };
     static const std::array<HandlerEntry, kHandlerTableSize> table = [] {
         std::array<HandlerEntry, kHandlerTableSize> entries{};

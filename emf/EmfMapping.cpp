@@ -43,11 +43,9 @@ int Emf2SvgConverter::MapY(int y, int withOrigin) {
 }
 
 int Emf2SvgConverter::MapPoint(const tagPOINTS& in, tagPOINTS& out) {
-    const tagXFORM& m = m_worldXform;
-    const int x1 = numeric::TruncToInt(in.x * m.eM11 + in.y * m.eM21 + m.eDx);
-    const int y1 = numeric::TruncToInt(in.x * m.eM12 + in.y * m.eM22 + m.eDy);
-    out.x = numeric::Low16(MapX(x1, 1));
-    out.y = numeric::Low16(MapY(y1, 1));
+    const tagPOINT p = geometry::TransformPoint(m_worldXform, in.x, in.y);
+    out.x = numeric::Low16(MapX(p.x, 1));
+    out.y = numeric::Low16(MapY(p.y, 1));
     return 1;
 }
 

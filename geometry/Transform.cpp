@@ -1,5 +1,7 @@
 #include "geometry/Transform.h"
 
+#include "geometry/Numeric.h"
+
 namespace geometry {
 
 bool ApplyWorldTransform(tagXFORM& m, const tagXFORM& x, unsigned long mode) {
@@ -31,6 +33,11 @@ bool ApplyWorldTransform(tagXFORM& m, const tagXFORM& x, unsigned long mode) {
             return false;
     }
     return true;
+}
+
+tagPOINT TransformPoint(const tagXFORM& m, int x, int y) {
+    return tagPOINT{numeric::TruncToInt(x * m.eM11 + y * m.eM21 + m.eDx),
+                    numeric::TruncToInt(x * m.eM12 + y * m.eM22 + m.eDy)};
 }
 
 }  // namespace geometry

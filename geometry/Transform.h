@@ -11,6 +11,10 @@ namespace geometry {
 // other mode leaves `m` unchanged and returns false.
 bool ApplyWorldTransform(tagXFORM& m, const tagXFORM& x, unsigned long mode);
 
+// The point (x, y) through `m`, each coordinate computed in 32-bit floating point and
+// truncated toward zero (saturating at the limits of int32).
+tagPOINT TransformPoint(const tagXFORM& m, int x, int y);
+
 }  // namespace geometry
 
 #endif

@@ -139,6 +139,35 @@ struct tagEXTLOGFONTW {
 };
 static_assert(sizeof(tagEXTLOGFONTW) == 320, "EXTLOGFONTW layout");
 
+// --- device-independent bitmaps ----------------------------------------------------------
+struct tagBITMAPINFOHEADER {
+    uint32_t biSize;
+    int32_t biWidth;
+    int32_t biHeight;  // positive for bottom-up rows, negative for top-down rows
+    uint16_t biPlanes;
+    uint16_t biBitCount;
+    uint32_t biCompression;
+    uint32_t biSizeImage;
+    int32_t biXPelsPerMeter;
+    int32_t biYPelsPerMeter;
+    uint32_t biClrUsed;
+    uint32_t biClrImportant;
+};
+static_assert(sizeof(tagBITMAPINFOHEADER) == 40, "BITMAPINFOHEADER layout");
+
+// A colour table entry: bytes, the same in either byte order.
+struct tagRGBQUAD {
+    uint8_t rgbBlue;
+    uint8_t rgbGreen;
+    uint8_t rgbRed;
+    uint8_t rgbReserved;
+};
+
+struct tagBITMAPINFO {
+    tagBITMAPINFOHEADER bmiHeader;
+    tagRGBQUAD bmiColors[1];
+};
+
 // --- EMF records -------------------------------------------------------------------------
 // Header plus one 32-bit value: EMR_SETBKMODE, EMR_SETMAPMODE, EMR_SETTEXTALIGN,
 // EMR_SELECTCLIPPATH and the like.
@@ -185,6 +214,69 @@ struct tagEMRMODIFYWORLDTRANSFORM {
     tagXFORM xform;
     uint32_t iMode;
 };
+
+// EMR_BITBLT, and the fields that EMR_STRETCHBLT, EMR_MASKBLT and EMR_TRANSPARENTBLT share
+// with it. EMR_TRANSPARENTBLT keeps its transparent colour in dwRop.
+struct tagEMRBITBLT {
+    tagEMR emr;
+    tagRECT rclBounds;
+    int32_t xDest;
+    int32_t yDest;
+    int32_t cxDest;
+    int32_t cyDest;
+    uint32_t dwRop;
+    int32_t xSrc;
+    int32_t ySrc;
+    tagXFORM xformSrc;
+    uint32_t crBkColorSrc;
+    uint32_t iUsageSrc;
+    uint32_t offBmiSrc;
+    uint32_t cbBmiSrc;
+    uint32_t offBitsSrc;
+    uint32_t cbBitsSrc;
+};
+static_assert(sizeof(tagEMRBITBLT) == 100, "EMR_BITBLT layout");
+
+// EMR_STRETCHBLT and EMR_TRANSPARENTBLT.
+struct tagEMRSTRETCHBLT {
+    tagEMRBITBLT blt;
+    int32_t cxSrc;
+    int32_t cySrc;
+};
+typedef tagEMRSTRETCHBLT tagEMRTRANSPARENTBLT;
+static_assert(sizeof(tagEMRSTRETCHBLT) == 108, "EMR_STRETCHBLT layout");
+
+struct tagEMRMASKBLT {
+    tagEMRBITBLT blt;
+    int32_t xMask;
+    int32_t yMask;
+    uint32_t iUsageMask;
+    uint32_t offBmiMask;
+    uint32_t cbBmiMask;
+    uint32_t offBitsMask;
+    uint32_t cbBitsMask;
+};
+static_assert(sizeof(tagEMRMASKBLT) == 128, "EMR_MASKBLT layout");
+
+struct tagEMRSTRETCHDIBITS {
+    tagEMR emr;
+    tagRECT rclBounds;
+    int32_t xDest;
+    int32_t yDest;
+    int32_t xSrc;
+    int32_t ySrc;
+    int32_t cxSrc;
+    int32_t cySrc;
+    uint32_t offBmiSrc;
+    uint32_t cbBmiSrc;
+    uint32_t offBitsSrc;
+    uint32_t cbBitsSrc;
+    uint32_t iUsageSrc;
+    uint32_t dwRop;
+    int32_t cxDest;
+    int32_t cyDest;
+};
+static_assert(sizeof(tagEMRSTRETCHDIBITS) == 80, "EMR_STRETCHDIBITS layout");
 
 // EMR_SELECTOBJECT and EMR_DELETEOBJECT.
 struct tagEMRSELECTOBJECT {
@@ -447,6 +539,50 @@ struct tagWMRSETVIEWPORTORGEX {
     int16_t y;
     int16_t x;
 };
+
+// META_DIBBITBLT and META_BITBLT; the bitmap follows at offset 22.
+struct tagWMRBITBLT {
+    tagWMR wmr;
+    uint32_t RasterOperation;
+    int16_t YSrc;
+    int16_t XSrc;
+    uint16_t Height;
+    uint16_t Width;
+    int16_t YDest;
+    int16_t XDest;
+};
+static_assert(sizeof(tagWMRBITBLT) == 22, "META_DIBBITBLT layout");
+
+// META_DIBSTRETCHBLT; the bitmap follows at offset 26.
+struct tagWMRDIBSTRETCHBLT {
+    tagWMR wmr;
+    uint32_t RasterOperation;
+    int16_t SrcHeight;
+    int16_t SrcWidth;
+    int16_t YSrc;
+    int16_t XSrc;
+    uint16_t DestHeight;
+    uint16_t DestWidth;
+    int16_t YDest;
+    int16_t XDest;
+};
+static_assert(sizeof(tagWMRDIBSTRETCHBLT) == 26, "META_DIBSTRETCHBLT layout");
+
+// META_STRETCHDIB and META_STRETCHBLT; the bitmap follows at offset 28.
+struct tagWMRSTRETCHBLT {
+    tagWMR wmr;
+    uint32_t RasterOperation;
+    uint16_t ColorUsage;
+    int16_t SrcHeight;
+    int16_t SrcWidth;
+    int16_t YSrc;
+    int16_t XSrc;
+    uint16_t DestHeight;
+    uint16_t DestWidth;
+    int16_t YDest;
+    int16_t XDest;
+};
+static_assert(sizeof(tagWMRSTRETCHBLT) == 28, "META_STRETCHDIB layout");
 
 // META_POLYLINE and META_POLYGON.
 struct tagWMRPOLYLINE {

@@ -13,5 +13,5 @@ if [ -d ../shared/corpus ]; then
         -exec cp {} out/fuzz/seeds/ \;
 fi
 ASAN_OPTIONS=detect_leaks=1 "$dir/fuzz/fuzz_metafile" -max_total_time="$seconds" -max_len=262144 \
-    -timeout=10 -rss_limit_mb=2048 -artifact_prefix=out/fuzz/ -print_final_stats=1 \
+    -timeout=10 -rss_limit_mb=512 -malloc_limit_mb=512 -artifact_prefix=out/fuzz/ -print_final_stats=1 \
     out/fuzz/corpus out/fuzz/seeds 2>&1 | tail -n 15

@@ -15,6 +15,10 @@
 #include "style/StyleMgr.h"
 #include "svg/SvgBuffer.h"
 
+namespace dib {
+struct DibSource;
+}
+
 class CMySVGWriter {
   public:
     CMySVGWriter();
@@ -96,6 +100,11 @@ class CMySVGWriter {
 
     // Pattern fill.
     bool PatBlt(int x, int y, int width, int height);
+
+    // Bitmaps (SVGWriterBitmaps.cpp): the base64 text of a bitmap's PNG image, empty when it
+    // gives no image; the image element for such a text.
+    QByteArray OnRasterOperation(const dib::DibSource& bitmap, int op, int pad);
+    bool WriteBlt(int x, int y, int width, int height, const QByteArray& text);
 
     // Read access for the interpreters and tests.
     const tagXFORM& WorldTransform() const { return m_xform; }

@@ -73,6 +73,13 @@ Bytes RegionData(const std::vector<Rect>& rects, int64_t count, uint32_t headerS
     return b;
 }
 
+Bytes BitmapInfo(int32_t width, int32_t height, uint16_t bitCount,
+                 const std::vector<uint32_t>& colours) {
+    Bytes b = Bytes().u32(40).i32(width).i32(height).u16(1).u16(bitCount).zeros(24);
+    for (uint32_t c : colours) b.u8(c & 0xFF).u8(c >> 8 & 0xFF).u8(c >> 16 & 0xFF).u8(0);
+    return b;
+}
+
 // --- EMF -----------------------------------------------------------------------------------
 
 // 1024 x 768 device units over 320 x 240 mm: 3.2 units per mm, so a frame of 31.25 mm

@@ -183,6 +183,10 @@ Bytes Points32(std::initializer_list<std::pair<int, int>> points);
 // rectangle count when it is not negative.
 using Rect = std::array<int32_t, 4>;
 Bytes RegionData(const std::vector<Rect>& rects, int64_t count = -1, uint32_t headerSize = 32);
+// A bitmap header and its colour table, each entry 0x00RRGGBB stored as the bytes blue,
+// green, red, 0.
+Bytes BitmapInfo(int32_t width, int32_t height, uint16_t bitCount,
+                 const std::vector<uint32_t>& colours = {});
 
 }  // namespace mfb
 

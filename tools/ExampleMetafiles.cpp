@@ -1,5 +1,7 @@
 #include "tools/ExampleMetafiles.h"
 
+#include <cstdlib>
+
 #include "tests/MetafileBuilder.h"
 
 namespace examples {
@@ -31,13 +33,13 @@ Bytes Region(const std::vector<mfb::Rect>& rects) {
     return mfb::RegionData(rects);
 }
 
-// In the bottom right corner: a green filled and a red framed L-shaped region; a blue and
+// In a row above the curve: a green filled and a red framed L-shaped region; a blue and
 // yellow triangle clipped by a rectangular region; a hatched square clipped by a diamond
 // path. An empty path bracket at the end drops the clip.
 void AddRegionsAndClips(mfb::Emf& emf) {
-    const Bytes filled = Region({{332, 218, 362, 228}, {332, 228, 342, 252}});
-    const Bytes framed = Region({{368, 218, 396, 228}, {368, 228, 378, 252}});
-    const Bytes window = Region({{332, 262, 362, 296}});
+    const Bytes filled = Region({{210, 128, 240, 138}, {210, 138, 220, 162}});
+    const Bytes framed = Region({{250, 128, 278, 138}, {250, 138, 260, 162}});
+    const Bytes window = Region({{288, 130, 318, 166}});
     emf.record(mfb::EMR_CREATEBRUSHINDIRECT, Brush(20, 0, kGreen, 0))
         .record(mfb::EMR_CREATEBRUSHINDIRECT, Brush(21, 0, kRed, 0))
         .record(mfb::EMR_FILLRGN, Bounds().u32(filled.size()).u32(20).append(filled))
@@ -46,16 +48,101 @@ void AddRegionsAndClips(mfb::Emf& emf) {
     emf.record(mfb::EMR_EXTSELECTCLIPRGN, Bytes().u32(window.size()).u32(1).append(window))
         .record(mfb::EMR_SELECTOBJECT, Bytes().u32(1))
         .record(mfb::EMR_SELECTOBJECT, Bytes().u32(2))
-        .record(mfb::EMR_POLYGON16, Poly16({{320, 300}, {347, 250}, {374, 300}}));
+        .record(mfb::EMR_POLYGON16, Poly16({{276, 170}, {303, 120}, {330, 170}}));
     emf.record(mfb::EMR_BEGINPATH, Bytes())
-        .record(mfb::EMR_POLYGON16, Poly16({{381, 258}, {396, 277}, {381, 296}, {366, 277}}))
+        .record(mfb::EMR_POLYGON16, Poly16({{340, 128}, {356, 148}, {340, 168}, {324, 148}}))
         .record(mfb::EMR_ENDPATH, Bytes())
         .record(mfb::EMR_SELECTCLIPPATH, Bytes().u32(5))
         .record(mfb::EMR_SELECTOBJECT, Bytes().u32(3))
-        .record(mfb::EMR_POLYGON16, Poly16({{364, 256}, {398, 256}, {398, 298}, {364, 298}}))
+        .record(mfb::EMR_POLYGON16, Poly16({{322, 126}, {358, 126}, {358, 170}, {322, 170}}))
         .record(mfb::EMR_BEGINPATH, Bytes())
         .record(mfb::EMR_ENDPATH, Bytes())
         .record(mfb::EMR_ABORTPATH, Bytes());
+}
+
+// --- bitmaps: 8 x 8 pixels, drawn 32 x 32 in a column at the right ----------------------
+
+const int kSide = 8;
+const uint32_t kSrcCopy = 0x00CC0020, kSrcAnd = 0x008800C6;
+
+// 8-bit: index x + 8y into a table of 64 colours, red across and green down.
+Bytes Indexed8() {
+    std::vector<uint32_t> colours;
+    for (int i = 0; i < kSide * kSide; ++i)
+        colours.push_back((uint32_t)(i % kSide * 36) << 16 | (uint32_t)(i / kSide * 36) << 8 |
+                          0x80);
+    Bytes b = mfb::BitmapInfo(kSide, kSide, 8, colours);
+    for (int row = kSide - 1; row >= 0; --row)  // bottom-up
+        for (int x = 0; x < kSide; ++x) b.u8((uint8_t)(x + kSide * row));
+    return b;
+}
+
+// 24-bit: blue fading across, green rising down.
+Bytes Rgb24() {
+    Bytes b = mfb::BitmapInfo(kSide, kSide, 24);
+    for (int row = kSide - 1; row >= 0; --row)
+        for (int x = 0; x < kSide; ++x)
+            b.u8((uint8_t)(255 - 32 * x)).u8((uint8_t)(32 * row)).u8(64);
+    return b;
+}
+
+// 1-bit: a diamond, white inside; its black corners make the next SRCAND bitmap transparent.
+Bytes Diamond() {
+    Bytes b = mfb::BitmapInfo(kSide, kSide, 1, {0x000000, 0xFFFFFF});
+    for (int row = 0; row < kSide; ++row) {
+        uint8_t bits = 0;
+        for (int x = 0; x < kSide; ++x)
+            if (std::abs(2 * x - 7) + std::abs(2 * row - 7) <= 8) bits |= (uint8_t)(0x80 >> x);
+        b.u8(bits).zeros(3);
+    }
+    return b;
+}
+
+// EMR_STRETCHDIBITS of `bitmap` (header, colour table and bits) with this raster operation.
+Bytes StretchDib(int x, int y, uint32_t rop, const Bytes& bitmap, int tableEntries) {
+    const uint32_t bits = 80 + 40 + 4 * (uint32_t)tableEntries;
+    Bytes b = Bounds().i32(x).i32(y).i32(0).i32(0).i32(kSide).i32(kSide);
+    b.u32(80).u32(bits - 80).u32(bits).u32((uint32_t)bitmap.size() - (bits - 80)).u32(0);
+    return b.u32(rop).i32(32).i32(32).append(bitmap);
+}
+
+void AddBitmaps(mfb::Emf& emf) {
+    emf.record(81, StretchDib(360, 130, kSrcCopy, Indexed8(), kSide * kSide));
+    // EMR_STRETCHBLT of the 24-bit bitmap.
+    emf.record(77, Bounds()
+                       .i32(360)
+                       .i32(175)
+                       .i32(32)
+                       .i32(32)
+                       .u32(kSrcCopy)
+                       .zeros(40)
+                       .u32(108)
+                       .u32(40)
+                       .u32(148)
+                       .u32((uint32_t)Rgb24().size() - 40)
+                       .i32(kSide)
+                       .i32(kSide)
+                       .append(Rgb24()));
+    // The diamond is not drawn: it masks the 8-bit bitmap drawn with SRCAND after it.
+    emf.record(81, StretchDib(0, 0, kSrcCopy, Diamond(), 2))
+        .record(81, StretchDib(360, 220, kSrcAnd, Indexed8(), kSide * kSide));
+}
+
+// The corner is in logical units, the size in output units. The colour table of a WMF bitmap
+// is read from its bits, so the 8-bit bitmap comes out in other colours than in the EMF file.
+void AddBitmaps(mfb::Wmf& wmf) {
+    const auto at = [](int x, int y) { return Bytes().i16((int16_t)y).i16((int16_t)x); };
+    // META_STRETCHDIB and META_DIBSTRETCHBLT.
+    wmf.record(
+           0x0F43,
+           Bytes().u32(kSrcCopy).zeros(10).u16(32).u16(32).append(at(5400, 1950)).append(Rgb24()))
+        .record(0x0B41, Bytes()
+                            .u32(kSrcCopy)
+                            .zeros(8)
+                            .u16(32)
+                            .u16(32)
+                            .append(at(5400, 2625))
+                            .append(Indexed8()));
 }
 
 }  // namespace
@@ -108,6 +195,7 @@ QByteArray ExampleEmf() {
         .record(mfb::EMR_ENDPATH, Bytes())
         .record(mfb::EMR_FILLPATH, Bounds());
     AddRegionsAndClips(emf);
+    AddBitmaps(emf);
     return emf.build();
 }
 
@@ -136,6 +224,7 @@ QByteArray ExampleWmf() {
                                         {{3300, 2400}, {3900, 3600}, {4500, 2400}, {5100, 3600}})))
         .record(mfb::META_MOVETO, Bytes().i16(4200).i16(3300))
         .record(mfb::META_LINETO, Bytes().i16(4200).i16(5700));
+    AddBitmaps(wmf);
     return wmf.build();
 }
 

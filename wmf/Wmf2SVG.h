@@ -100,6 +100,16 @@ class WMF2SVGConverter {
     void DrawMappedPolyLine(const unsigned char* record, unsigned int size, bool closed);
     tagRECT MapEdges(const tagWMRELLIPSE& record);
 
+    // Bitmap records (WmfBitmaps.cpp).
+    int OnDIBBitBlt(unsigned char* record, unsigned int size);
+    int OnDIBStretchBlt(unsigned char* record, unsigned int size);
+    int OnStretchDIB(unsigned char* record, unsigned int size);
+    // Draws the bitmap that follows the fixed fields R of a bitmap record.
+    template <class R>
+    void DrawBitmap(const unsigned char* record, unsigned int size,
+                    int (*normalise)(R*, const unsigned char*), uint16_t R::*width,
+                    uint16_t R::*height);
+
     // The handler of a record function, or null.
     const HandlerEntry* HandlerFor(unsigned int function) const {
         return function < kHandlerTableSize && m_handlers[function].handler ? &m_handlers[function]

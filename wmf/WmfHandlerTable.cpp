@@ -49,9 +49,15 @@ const WMF2SVGConverter::HandlerEntry* WMF2SVGConverter::HandlerTable() {
         {0x0418, &WMF2SVGConverter::OnMetaEllipse, sizeof(tagWMRELLIPSE)},    // META_ELLIPSE
         {0x041B, &WMF2SVGConverter::OnMetaRectangle, sizeof(tagWMRELLIPSE)},  // META_RECTANGLE
         {0x0538, &WMF2SVGConverter::OnMetaPolyPolygon,
-         sizeof(tagWMRPOLYPOLYLINE)},                                     // META_POLYPOLYGON
-        {0x061D, &WMF2SVGConverter::OnMetaPatBlt, sizeof(tagWMRPATBLT)},  // META_PATBLT
-        {0x0817, &WMF2SVGConverter::OnMetaArc, sizeof(tagWMR)},           // META_ARC
+         sizeof(tagWMRPOLYPOLYLINE)},                                         // META_POLYPOLYGON
+        {0x061D, &WMF2SVGConverter::OnMetaPatBlt, sizeof(tagWMRPATBLT)},      // META_PATBLT
+        {0x0817, &WMF2SVGConverter::OnMetaArc, sizeof(tagWMR)},               // META_ARC
+        {0x0922, &WMF2SVGConverter::OnDIBBitBlt, sizeof(tagWMRBITBLT)},       // META_BITBLT
+        {0x0940, &WMF2SVGConverter::OnDIBBitBlt, sizeof(tagWMRBITBLT)},       // META_DIBBITBLT
+        {0x0B23, &WMF2SVGConverter::OnStretchDIB, sizeof(tagWMRSTRETCHBLT)},  // META_STRETCHBLT
+        {0x0B41, &WMF2SVGConverter::OnDIBStretchBlt,
+         sizeof(tagWMRDIBSTRETCHBLT)},                                        // META_DIBSTRETCHBLT
+        {0x0F43, &WMF2SVGConverter::OnStretchDIB, sizeof(tagWMRSTRETCHBLT)},  // META_STRETCHDIB
     };
     static const std::array<HandlerEntry, kHandlerTableSize> table = [] {
         std::array<HandlerEntry, kHandlerTableSize> entries{};

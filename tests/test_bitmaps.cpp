@@ -1,0 +1,265 @@
+// Bitmaps: the decoders and the pending mask, base64 text, the image element, and the EMF and
+// WMF bitmap records end to end. Every file is converted in both byte orders, and the PNG data
+// is checked by decoding it back to pixels.
+#include <gtest/gtest.h>
+
+#include <QRegularExpression>
+#include <thread>
+
+#include "svg/DibDecoder.h"
+#include "svg/SVGWriter.h"
+#include "tests/MetafileBuilder.h"
+#include "tests/TestUtil.h"
+
+using mfb::BitmapInfo;
+using mfb::Bytes;
+using Pixels = std::vector<QRgb>;
+
+namespace {
+
+const int kSrcAnd = dib::kSrcAnd;
+const QRgb kBlack = 0xFF000000, kWhite = 0xFFFFFFFF, kGrey = 0xFF808080;
+
+Bytes U8s(std::initializer_list<int> v) {
+    Bytes b;
+    for (int x : v) b.u8((uint8_t)x);
+    return b;
+}
+
+const uint32_t kBitBlt = 76, kStretchBlt = 77, kMaskBlt = 78, kPlgBlt = 79, kStretchDib = 81,
+               kTransparentBlt = 116;
+const Bytes kRgb = BitmapInfo(1, 1, 24), kRgbBits = U8s({0x30, 0x20, 0x10, 0});
+
+// A bit-block record's payload: destination, raster operation (or transparent colour) and
+// the bitmap after the record's fixed fields; the offsets are 0 when there is no header.
+Bytes EmfBlt(uint32_t type, int x, int y, int cx, int cy, uint32_t rop, const Bytes& header = kRgb,
+             const Bytes& bits = kRgbBits) {
+    const uint32_t fixed = type == kMaskBlt ? 128 : type == kBitBlt ? 100 : 108;
+    const uint32_t at = header.size() ? fixed : 0,
+                   bitsAt = header.size() ? fixed + header.size() : 0;
+    Bytes b = Bytes().zeros(16).i32(x).i32(y).i32(cx).i32(cy).u32(rop).zeros(40);
+    b.u32(at).u32(header.size()).u32(bitsAt).u32(bits.size());
+    return b.zeros(fixed - 100).append(header).append(bits);
+}
+Bytes EmfStretchDib(int x, int y, int cx, int cy, uint32_t rop, const Bytes& header,
+                    const Bytes& bits) {
+    Bytes b = Bytes().zeros(16).i32(x).i32(y).zeros(16).u32(80).u32(header.size());
+    b.u32(80 + header.size()).u32(bits.size()).u32(0).u32(rop).i32(cx).i32(cy);
+    return b.append(header).append(bits);
+}
+QString Image(int x, int y, int w, int h) {
+    return QString::asprintf("<image x=\"%d\" y=\"%d\" width=\"%d\" height=\"%d\" ", x, y, w, h) +
+           "xlink:href=\"data:image/png;base64,\n~\"/>\n";
+}
+
+// The pixels row by row as 0xAARRGGBB.
+Pixels PixelsOf(const QImage& image) {
+    Pixels p;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x) p.push_back(image.pixel(x, y));
+    return p;
+}
+
+// A conversion: the body with each base64 text replaced by "~", and the images decoded.
+struct Drawn {
+    QString body;
+    std::vector<QImage> images;
+};
+Drawn Split(const QString& svg) {
+    static const QRegularExpression data(QStringLiteral("base64,\n([A-Za-z0-9+/=\n]*)\""));
+    Drawn d{testutil::Body(svg), {}};
+    for (auto it = data.globalMatch(d.body); it.hasNext();) {
+        const QByteArray text = it.next().captured(1).toLatin1();
+        for (int at = 76; at < text.size(); at += 77) EXPECT_EQ(text[at], '\n');
+        d.images.push_back(QImage::fromData(QByteArray::fromBase64(text), "PNG"));
+    }
+    d.body.replace(data, QStringLiteral("base64,\n~\""));
+    return d;
+}
+
+// Converts `file(false)` and, as a big-endian host reads it, the byte-swapped `file(true)`, each
+// with no mask pending; the two documents must agree.
+Drawn ConvertBoth(const std::function<QByteArray(bool)>& file) {
+    dib::PendingMask() = QImage();
+    const QString little = testutil::Convert(file(false)).svg;
+    dib::PendingMask() = QImage();
+    testutil::ForceBigEndian bigEndian;
+    EXPECT_EQ(testutil::Convert(file(true)).svg, little);
+    return Split(little);
+}
+
+// The images of an EMF file with one EMR_STRETCHDIBITS record per bitmap: header, bits and
+// raster operation (the transparent key of 24- and 32-bit bitmaps).
+struct Dib {
+    Bytes header, bits;
+    int op = -1;
+};
+std::vector<Pixels> DrawDibs(std::initializer_list<Dib> dibs) {
+    mfb::Emf e;
+    for (const Dib& d : dibs)
+        e.record(kStretchDib, EmfStretchDib(0, 0, 1, 1, d.op, d.header, d.bits));
+    std::vector<Pixels> pixels;
+    for (const QImage& image :
+         ConvertBoth([&](bool swapped) { return e.build(true, swapped); }).images)
+        pixels.push_back(PixelsOf(image));
+    return pixels;
+}
+
+}  // namespace
+
+TEST(BitmapDecoding, EveryBitCountRowOrderAndPadding) {
+    const std::vector<Pixels> expected = {
+        // 4-bit, bottom-up; 5 bytes of bits make 1 byte of padding after each row.
+        {0xFFAABBCC, 0xFFDDEEFF, 0xFF010203, 0xFF112233, 0xFF445566, 0xFF778899},
+        // 8-bit, top-down: the last row needs no padding.
+        {0xFFFF0000, 0xFF00FF00, 0xFF0000FF, 0xFF123456},
+        // 16-bit 5-5-5, odd width padded to whole words.
+        {kWhite, 0xFF00000F, kBlack, 0xFF0000FF, 0xFF00FF00, 0xFFFF0000},
+        // 24-bit: 3 bytes after each row of width 3, none after a row of width 4.
+        {0xFF070809, 0xFF040506, 0xFF010203, 0xFF030201, 0xFF060504, 0xFF090807},
+        {0xFF030201, 0xFF060504, 0xFF090807, 0xFF0C0B0A},
+        // 32-bit: the transparent key red turns red pixels white; a key of 0 never matches.
+        {kWhite, 0xFF030201},
+        {kBlack},
+    };
+    EXPECT_EQ(
+        DrawDibs({
+            {BitmapInfo(3, 2, 4, {0x112233, 0x445566, 0x778899, 0xAABBCC, 0xDDEEFF, 0x010203}),
+             U8s({0x01, 0x20, 9, 0x34, 0x50})},
+            {BitmapInfo(2, -2, 8, {0xFF0000, 0x00FF00, 0x0000FF, 0x123456}),
+             U8s({0, 1, 9, 9, 2, 3})},
+            {BitmapInfo(3, 2, 16),
+             Bytes().u16(0x001F).u16(0x03E0).u16(0x7C00).u16(9).u16(0x7FFF).u16(0x0001).u16(0)},
+            {BitmapInfo(3, 2, 24),
+             U8s({1, 2, 3, 4, 5, 6, 7, 8, 9, 0, 0, 0, 9, 8, 7, 6, 5, 4, 3, 2, 1})},
+            {BitmapInfo(4, 1, 24), U8s({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12})},
+            {BitmapInfo(2, 1, 32), U8s({0, 0, 255, 7, 1, 2, 3, 0}), 0x000000FF},
+            {BitmapInfo(1, 1, 32), U8s({0, 0, 0, 0}), 0},
+        }),
+        expected);
+}
+
+// A monochrome bitmap is not drawn; the next 4-, 8- or 16-bit bitmap drawn with SRCAND turns
+// transparent where it is black. A bitmap of 4 to 32 bits ends it, also one whose bits the
+// record cannot hold; other bit counts keep it.
+TEST(BitmapDecoding, PendingMask) {
+    const Dib mask{BitmapInfo(2, 1, 1, {0, 0xFFFFFF}), U8s({0x40, 0, 0, 0})};
+    const Dib grey{BitmapInfo(2, 1, 8, {0x808080}), U8s({0, 0, 0, 0}), kSrcAnd};
+    const Dib plainGrey{grey.header, grey.bits};
+    const Dib black16{BitmapInfo(2, 1, 16), Bytes().u32(0), kSrcAnd};
+    const Dib twoBit{BitmapInfo(2, 1, 2), grey.bits}, huge{BitmapInfo(30000, 30000, 8), grey.bits};
+    const Pixels masked = {0, kGrey}, opaque = {kGrey, kGrey};
+    EXPECT_EQ(DrawDibs({mask, grey, grey}), (std::vector<Pixels>{masked, opaque}));
+    EXPECT_EQ(DrawDibs({mask, plainGrey, grey}), (std::vector<Pixels>{opaque, opaque}));
+    EXPECT_EQ(DrawDibs({mask, black16, grey}), (std::vector<Pixels>{{0, kBlack}, opaque}));
+    EXPECT_EQ(DrawDibs({mask, twoBit, grey}), (std::vector<Pixels>{masked}));
+    EXPECT_EQ(DrawDibs({mask, huge, grey}), (std::vector<Pixels>{opaque}));
+    EXPECT_EQ(DrawDibs({grey, grey}), (std::vector<Pixels>{opaque, opaque}));
+}
+
+// Bits that the record cannot hold, widths and heights whose product overflows, and empty
+// bitmaps give no image.
+TEST(BitmapDecoding, BitsOutsideTheRecordGiveNoImage) {
+    const int cases[][3] = {{30000, 30000, 8},  {30000, 30000, 1},  {0x7FFFFFFF, 2, 32},
+                            {2, INT32_MIN, 24}, {65536, 65536, 16}, {2, 2, 32},
+                            {0, 1, 8},          {-1, 1, 8},         {1, 0, 8},
+                            {9, 1, 4}};
+    for (const auto& c : cases)
+        EXPECT_TRUE(DrawDibs({{BitmapInfo(c[0], c[1], c[2]), U8s({1, 2, 3, 4})}}).empty()) << c[0];
+}
+
+TEST(BitmapOutput, Base64LinesAndTheImageElement) {
+    const unsigned char bytes[57] = {'a', 'b', 'c'};
+    const std::pair<unsigned long, QByteArray> base64[] = {
+        {0, ""}, {1, "YQ=="}, {2, "YWI="}, {3, "YWJj"}, {57, "YWJj" + QByteArray(72, 'A') + "\n"}};
+    for (const auto& [length, text] : base64) {
+        QByteArray out = "x";
+        EXPECT_EQ(dib::ConvertToBase64(bytes, length, out), length > 0);
+        EXPECT_EQ(out, "x" + text);
+    }
+    CMySVGWriter writer;
+    writer.WriteBlt(10, 20, 40, 30, "QQ==\n");
+    writer.SetWorldTransform(2, 0, 0, 2, 5, 7);
+    writer.SelectClipPath(0);  // an empty clip path
+    writer.WriteBlt(10, 20, 40, 30, "QQ==");
+    EXPECT_EQ(
+        writer.TakeSVGOutput(),
+        "<image x=\"10\" y=\"20\" width=\"40\" height=\"30\" "
+        "xlink:href=\"data:image/png;base64,\nQQ==\n\"/>\n"
+        "\n<defs><clipPath id= \"ClPath1\">\n<path d = \"\" stroke=\"none\" stroke-width=\"1\"  "
+        "fill=\"none\" />\n</clipPath></defs>"
+        "<image x=\"25\" y=\"47\" width=\"85\" height=\"67\" "
+        "xlink:href=\"data:image/png;base64,\nQQ==\" " +
+            writer.StyleManager().GetClipPath() + "/>\n");
+}
+
+// Positions are mapped with the window origin (100, 100), sizes without. A PATCOPY blit is a
+// rectangle; a record without a bitmap, or whose bitmap lies outside it, draws nothing.
+TEST(EmfBitmaps, RecordsDrawTheirBitmapsIntoTheDestination) {
+    const uint32_t kPatCopy = 0x00F00021, kBlackness = 0x42;
+    mfb::Emf e;
+    e.record(mfb::EMR_SETWINDOWORGEX, Bytes().i32(100).i32(100))
+        .record(kBitBlt, EmfBlt(kBitBlt, 150, 120, 40, 30, kPatCopy, Bytes(), Bytes()))
+        .record(kStretchBlt, EmfBlt(kStretchBlt, 150, 120, 40, 30, kPatCopy))
+        .record(kBitBlt, EmfBlt(kBitBlt, 100, 100, 1, 2, kBlackness))
+        .record(kMaskBlt, EmfBlt(kMaskBlt, 100, 100, 3, 4, kBlackness))
+        .record(kTransparentBlt, EmfBlt(kTransparentBlt, 100, 100, 5, 6, 0x00302010))
+        .record(kStretchDib, EmfStretchDib(100, 100, 7, 8, 0x00CC0020, kRgb, kRgbBits))
+        .record(kPlgBlt, EmfBlt(kBitBlt, 100, 100, 9, 9, kBlackness))
+        .record(kBitBlt, EmfBlt(kBitBlt, 100, 100, 9, 9, kBlackness, Bytes(), Bytes())
+                             .append(kRgb)
+                             .append(kRgbBits))
+        .record(kBitBlt, EmfBlt(kBitBlt, 100, 100, 9, 9, kBlackness, kRgb, Bytes()))
+        .record(kBitBlt, EmfBlt(kBitBlt, 100, 100, 9, 9, kBlackness, Bytes().zeros(39), Bytes()));
+    const auto [body, images] = ConvertBoth([&](bool swapped) { return e.build(true, swapped); });
+    EXPECT_EQ(body,
+              "<rect x=\"50\" y=\"20\" width=\"40\" height=\"30\" rx=\"0\" ry=\"0\"  "
+              "stroke=\"black\" stroke-width=\"1\" fill=\"none\"/>\n" +
+                  Image(50, 20, 40, 30) + Image(0, 0, 1, 2) + Image(0, 0, 3, 4) +
+                  Image(0, 0, 5, 6) + Image(0, 0, 7, 8));
+    ASSERT_EQ(images.size(), 5u);
+    for (int i : {0, 1, 2, 4}) EXPECT_EQ(PixelsOf(images[i]), Pixels{0xFF102030});
+    EXPECT_EQ(PixelsOf(images[3]), Pixels{kWhite});
+}
+
+// Without a placeable header (scale 15, origin 0, 1): the corner is mapped, the size is not.
+// The colour table is read from the bits, which follow the 40-byte header directly.
+TEST(WmfBitmaps, RecordsMapTheCornerAndKeepTheSize) {
+    const Bytes rgb = Bytes().append(kRgb).append(kRgbBits);
+    const Bytes indexed = BitmapInfo(1, 1, 8).append(U8s({0, 0x20, 0x10, 0}));
+    const auto at = [](int x, int y) { return Bytes().i16(y).i16(x); };
+    const auto rop = [](int skip) { return Bytes().u32(0xCC0020).zeros(skip); };
+    mfb::Wmf w;
+    w.record(0x0940, rop(4).u16(16).u16(16).append(at(150, 151)).append(rgb))
+        .record(0x0922, rop(4).u16(2).u16(1).append(at(0, 1)).append(indexed))
+        .record(0x0B41, rop(8).u16(4).u16(3).append(at(15, 16)).append(rgb))
+        .record(0x0F43, rop(10).u16(6).u16(5).append(at(30, 31)).append(rgb))
+        .record(0x0B23, rop(10).u16(8).u16(7).append(at(45, 46)).append(rgb))
+        .record(0x0940, rop(4).u16(16).u16(16).append(at(150, 151)).zeros(2));  // no bitmap
+    const auto [body, images] = ConvertBoth([&](bool swapped) { return w.build(true, swapped); });
+    EXPECT_EQ(body, Image(10, 10, 16, 16) + Image(0, 0, 1, 2) + Image(1, 1, 3, 4) +
+                        Image(2, 2, 5, 6) + Image(3, 3, 7, 8));
+    ASSERT_EQ(images.size(), 5u);
+    for (int i : {0, 2, 3, 4}) EXPECT_EQ(PixelsOf(images[i]), Pixels{0xFF102030});
+    EXPECT_EQ(PixelsOf(images[1]), Pixels{0xFF102000});
+}
+
+// A mask left pending by one conversion is taken by the next on the same thread, and not by a
+// conversion on another thread.
+TEST(BitmapDecoding, PendingMaskBelongsToTheThread) {
+    const auto pixels = [](int op, uint16_t bitCount) {
+        const QByteArray file =
+            mfb::Emf()
+                .record(kStretchDib,
+                        EmfStretchDib(0, 0, 1, 1, op, BitmapInfo(1, 1, bitCount, {0, 0xFFFFFF}),
+                                      U8s({0, 0, 0, 0})))
+                .build();
+        const auto images = Split(testutil::Convert(file).svg).images;
+        return images.size() == 1 ? PixelsOf(images[0]) : Pixels();
+    };
+    EXPECT_EQ(pixels(-1, 1), Pixels());
+    Pixels other;
+    std::thread([&] { other = pixels(kSrcAnd, 8); }).join();
+    EXPECT_EQ(other, Pixels{kBlack});
+    EXPECT_EQ(pixels(kSrcAnd, 8), Pixels{0});
+}
