@@ -29,6 +29,7 @@ int InitWMRSETBKMODE(tagWMRSETBKMODE* dst, const unsigned char* src);
 int InitWMRLINETO(tagWMRLINETO* dst, const unsigned char* src);
 int InitWMRELLIPSE(tagWMRELLIPSE* dst, const unsigned char* src);
 int InitWMRPATBLT(tagWMRPATBLT* dst, const unsigned char* src);
+int InitWMREXTTEXTOUT(tagWMREXTTEXTOUT* dst, const unsigned char* src);
 
 // Records with trailing arrays, `size` bytes long.
 int InitWMRPOLYLINE(tagWMRPOLYLINE* dst, const unsigned char* src, unsigned int size);
