@@ -40,7 +40,15 @@ void Emf2SvgConverter::InitEMFRecHandlers() {
         {38, &Emf2SvgConverter::OnCreatePen},
         {39, &Emf2SvgConverter::OnCreateBrushIndirect},
         {40, &Emf2SvgConverter::OnDeleteObject},
+        {41, &Emf2SvgConverter::OnAngleArc},
+        {42, &Emf2SvgConverter::OnEllipse},
+        {43, &Emf2SvgConverter::OnRectangle},
+        {44, &Emf2SvgConverter::OnRoundedRect},
+        {45, &Emf2SvgConverter::OnArc},
+        {46, &Emf2SvgConverter::OnChord},
+        {47, &Emf2SvgConverter::OnPie},
         {54, &Emf2SvgConverter::OnLineTo},
+        {55, &Emf2SvgConverter::OnArcTo},
         {59, &Emf2SvgConverter::OnBeginPath},
         {60, &Emf2SvgConverter::OnEndPath},
         {61, &Emf2SvgConverter::OnCloseFigure},
@@ -48,6 +56,7 @@ void Emf2SvgConverter::InitEMFRecHandlers() {
         {64, &Emf2SvgConverter::OnStrokePath},
         {68, &Emf2SvgConverter::OnAbortPath},
         {82, &Emf2SvgConverter::OnExtCreateFontIndirect},
+        {84, &Emf2SvgConverter::OnExtTextOutW},
         {85, &Emf2SvgConverter::OnPolyBezier16},
         {86, &Emf2SvgConverter::OnPolygon16},
         {87, &Emf2SvgConverter::OnPolyLine16},
@@ -58,6 +67,7 @@ void Emf2SvgConverter::InitEMFRecHandlers() {
         {92, &Emf2SvgConverter::OnPolyDraw},
         {93, &Emf2SvgConverter::OnCreateMonoBrush},
         {95, &Emf2SvgConverter::OnCreatePenEx},
+        {108, &Emf2SvgConverter::OnSmallTextOut},
     };
     for (const auto& entry : kTable) m_handlers[entry.type] = entry.handler;
     TRACE_RETURN();

@@ -13,6 +13,7 @@
 
 #include "MetafileStructs.h"
 #include "style/StyleMgr.h"
+#include "svg/TextRun.h"
 
 class CMySVGWriter {
   public:
@@ -66,6 +67,25 @@ class CMySVGWriter {
     bool DrawMixedPoly(const tagPOINTS* points, const unsigned char* types, unsigned int count,
                        const QString& style);
 
+    // Arcs, chords and pies.
+    bool DrawArc(int x1, int y1, int rx, int ry, int rotation, int large, int sweep, int x2, int y2,
+                 const QString& style);
+    bool DrawArcTo(int x1, int y1, int rx, int ry, int rotation, int large, int sweep, int x2,
+                   int y2, const QString& style);
+    bool DrawChord(int x1, int y1, int rx, int ry, int rotation, int large, int sweep, int x2,
+                   int y2, const QString& style);
+    bool DrawPie(int x1, int y1, int rx, int ry, int rotation, int large, int sweep, int x2, int y2,
+                 int cx, int cy, const QString& style);
+
+    // Text.
+    bool TextOut(const TextRun& text, tagPOINT position, tagRECT rect, const QString& style);
+    bool MetaTextOut(const TextRun& text, tagPOINT position, const char* extra,
+                     const QString& style);
+    bool SmallTextOut(const TextRun& text, _POINTL position);
+    bool GetPointOfReference(tagPOINT& point, tagRECT rect);
+    bool GetTextDimensions(int& width, int& height, int& descent, const TextRun& text);
+    bool CalculateRect(tagRECT& rect, const TextRun& text);
+
     // Text state.
     bool SetTextAlign(int flags);
     bool SetTextColor(unsigned int colour);
@@ -108,6 +128,13 @@ class CMySVGWriter {
     static unsigned int AppendPolyDrawPoint(QString& data, const tagPOINT* points,
                                             const unsigned char* types, unsigned int index,
                                             unsigned int count);
+    // The start, radii, flags and relative end of an arc's path data; `separator` goes
+    // between the start point and the "a" command.
+    void WriteArcData(int x1, int y1, const char* separator, int rx, int ry, int rotation,
+                      int large, int sweep, int x2, int y2);
+    // Writes one text element at (x, y), inside a rotation group when the font is rotated.
+    enum class TextForm { Emf, Small, Meta };
+    void WriteTextElement(TextForm form, int x, int y, const QString& style, const TextRun& text);
     // 16-bit point lists sign-extended to 32 bits; empty for a null list.
     static std::vector<tagPOINT> WidenPoints(const tagPOINTS* points, unsigned int count);
 

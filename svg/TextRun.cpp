@@ -56,6 +56,13 @@ uint16_t TextRun::at(size_t i) const {
     return unit;
 }
 
+TextRun TextRun::UpToZero() const {
+    if (wide || count == 0) return *this;
+    const void* zero = std::memchr(data, 0, count);
+    return TextRun{data, zero ? (size_t)(static_cast<const unsigned char*>(zero) - data) : count,
+                   false};
+}
+
 void AppendXmlText(QByteArray& out, const TextRun& text) {
     for (size_t i = 0; i < text.count; ++i) {
         uint32_t c = text.at(i);

@@ -15,6 +15,8 @@ struct TextRun {
 
     // The code unit (or character) at `i`.
     uint16_t at(size_t i) const;
+    // The run up to its first zero character (8-bit runs end there; 16-bit runs keep theirs).
+    TextRun UpToZero() const;
 };
 
 // Appends the run as UTF-8 with "&", "<" and ">" escaped as the writer's XML escaping does.

@@ -34,6 +34,7 @@ void WMF2SVGConverter::InitWMFRecHandlers() {
         {0x0538, &WMF2SVGConverter::OnMetaPolyPolygon},          // META_POLYPOLYGON
         {0x061D, &WMF2SVGConverter::OnMetaPatBlt},               // META_PATBLT
         {0x0817, &WMF2SVGConverter::OnMetaArc},                  // META_ARC
+        {0x0A32, &WMF2SVGConverter::OnMetaExtTextOut},           // META_EXTTEXTOUT
     };
     for (const auto& entry : kTable) m_handlers[entry.function] = entry.handler;
     TRACE_RETURN();
