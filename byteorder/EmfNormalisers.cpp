@@ -235,9 +235,7 @@ int InitEMRANGLEARC(tagEMRANGLEARC* dst, const unsigned char* src) {
     if (!IsBigEndian()) TRACE_RETURN(0);
     std::memcpy(dst, src, sizeof *dst);
     InitPOINTL(dst->ptlCenter);
-    Swap(dst->nRadius);
-    dst->eStartAngle = GetFloatFromBLOB(src + offsetof(tagEMRANGLEARC, eStartAngle));
-    dst->eSweepAngle = GetFloatFromBLOB(src + offsetof(tagEMRANGLEARC, eSweepAngle));
+    SwapAll(dst->nRadius, dst->eStartAngle, dst->eSweepAngle);
     TRACE_RETURN(1);
 }
 

@@ -49,7 +49,15 @@ enum EmfType : uint32_t {
     EMR_CREATEPEN = 38,
     EMR_CREATEBRUSHINDIRECT = 39,
     EMR_DELETEOBJECT = 40,
+    EMR_ANGLEARC = 41,
+    EMR_ELLIPSE = 42,
+    EMR_RECTANGLE = 43,
+    EMR_ROUNDRECT = 44,
+    EMR_ARC = 45,
+    EMR_CHORD = 46,
+    EMR_PIE = 47,
     EMR_LINETO = 54,
+    EMR_ARCTO = 55,
     EMR_BEGINPATH = 59,
     EMR_ENDPATH = 60,
     EMR_CLOSEFIGURE = 61,
@@ -57,6 +65,7 @@ enum EmfType : uint32_t {
     EMR_STROKEPATH = 64,
     EMR_ABORTPATH = 68,
     EMR_EXTCREATEFONTINDIRECTW = 82,
+    EMR_EXTTEXTOUTW = 84,
     EMR_POLYBEZIER16 = 85,
     EMR_POLYGON16 = 86,
     EMR_POLYLINE16 = 87,
@@ -67,6 +76,7 @@ enum EmfType : uint32_t {
     EMR_POLYDRAW16 = 92,
     EMR_CREATEMONOBRUSH = 93,
     EMR_EXTCREATEPEN = 95,
+    EMR_SMALLTEXTOUT = 108,
 };
 
 // WMF function numbers used by the tests.
@@ -92,6 +102,7 @@ enum WmfFunction : uint16_t {
     META_POLYPOLYGON = 0x0538,
     META_PATBLT = 0x061D,
     META_ARC = 0x0817,
+    META_EXTTEXTOUT = 0x0A32,
     META_CREATEBITMAP = 0x06FE,
 };
 
