@@ -28,10 +28,10 @@ T ReadHeader(const char* data, uint64_t available) {
     return header;
 }
 
-// Hands a converter's document to the caller as UTF-8.
-void Deliver(const QString& svg, QByteArray& out) {
+// Hands a converter's document (UTF-8) to the caller.
+void Deliver(QByteArray svg, QByteArray& out) {
     out.clear();
-    out = svg.toUtf8();
+    out.swap(svg);
 }
 
 }  // namespace
@@ -56,15 +56,15 @@ int ConvertWMFToSVG(const char* data, uint64_t available, QByteArray& out) {
         InitWindowsMetaHeader(header);
         if (header.mtHeaderSize != 9 || header.mtNoParameters != 0) TRACE_RETURN(-3);
 
-        // A header that declares more bytes than there are converts what is present.
+        // A header that declares more bytes than there are converts what is present. The
+        // records are read in place: nothing writes to the input, and each record the walk
+        // hands on is copied first.
         const uint64_t total = std::min<uint64_t>((uint64_t)header.mtSize * 2 + offset, available);
-        const uint64_t headers = offset + kWmfHeaderSize;
-        const uint64_t allocated = std::max(total, headers);
-        std::unique_ptr<unsigned char[]> buffer(new unsigned char[allocated]());
-        std::memcpy(buffer.get(), data, total);
-        const int result = converter->ConvertWMFToSVG(buffer.get() + headers, (unsigned long)total,
-                                                      header.mtMaxRecord, g_Logger);
-        Deliver(converter->GetOutSVG(), out);
+        const uint64_t headers = std::min<uint64_t>(offset + kWmfHeaderSize, total);
+        const int result =
+            converter->ConvertWMFToSVG(reinterpret_cast<const unsigned char*>(data) + headers,
+                                       (unsigned long)total, header.mtMaxRecord, g_Logger);
+        Deliver(converter->TakeOutSVG(), out);
         TRACE_RETURN(result);
     } catch (...) {
         LOG_FATAL("Exception occured while converting WMF file to SVG");
@@ -86,10 +86,11 @@ int ConvertEMFToSVG(const char* data, QByteArray& out, unsigned long size) {
             LOG_WARN("Invalid EMF data");
             TRACE_RETURN(-2);
         }
-        std::unique_ptr<unsigned char[]> buffer(new unsigned char[size]);
-        std::memcpy(buffer.get(), data, header.nBytes);
-        const int result = converter->ConvertEMFToSVG(buffer.get(), g_Logger);
-        Deliver(converter->GetOutSVG(), out);
+        // The records are read in place: nothing writes to the input, and each record the
+        // walk hands on is copied first.
+        const int result =
+            converter->ConvertEMFToSVG(reinterpret_cast<const unsigned char*>(data), g_Logger);
+        Deliver(converter->TakeOutSVG(), out);
         TRACE_RETURN(result);
     } catch (...) {
         LOG_FATAL("Exception occured while converting EMF data to SVG");

@@ -1,6 +1,6 @@
 // Byte-order normalisers of the WMF records (copying form; see BEndTools.h for the contract).
 //
-// `src` is a handler's record copy, which is followed by records::kRecordPadding zero bytes, so
+// `src` is a handler's record copy, zero-filled up to the fixed fields its handler reads, so
 // the fixed fields of a short record read as zero. Normalisers of records with trailing arrays
 // also take the record's real size and convert only the elements that lie inside it; their
 // `dst` must be a buffer of at least that size plus the padding (a records::ScratchCopy).
@@ -54,7 +54,7 @@ WmfPolyPolygonLayout GetWmfPolyPolygonLayout(const unsigned char* record, unsign
 
 // Reads a fixed-layout record in host order: the normaliser converts it on a big-endian
 // host, otherwise the bytes are taken as they are. `record` must hold sizeof(T) bytes, which
-// a zero-padded record copy always does.
+// a record copy does when its handler's table entry names at least that size.
 template <class T>
 T ReadWmfRecord(const unsigned char* record, int (*normalise)(T*, const unsigned char*)) {
     T r;

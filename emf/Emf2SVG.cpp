@@ -45,7 +45,8 @@ QRect RectOf(const tagRECT& r) {
 }  // namespace
 
 Emf2SvgConverter::Emf2SvgConverter()
-    : m_recordNames(),
+    : m_handlers(nullptr),
+      m_recordNames(nullptr),
       m_vpScaleX(1.0f),
       m_vpScaleY(1.0f),
       m_worldXform{1.0f, 0.0f, 0.0f, 1.0f, 0.0f, 0.0f},
@@ -75,7 +76,11 @@ QString Emf2SvgConverter::GetOutSVG() {
     return m_writer.GetSVGOutput();
 }
 
-int Emf2SvgConverter::ConvertEMFToSVG(unsigned char* data, CLogger& log) {
+QByteArray Emf2SvgConverter::TakeOutSVG() {
+    return m_writer.TakeSVGOutput();
+}
+
+int Emf2SvgConverter::ConvertEMFToSVG(const unsigned char* data, CLogger& log) {
     TRACE_ENTER();
     if (!data) TRACE_RETURN(0);
     tagENHMETAHEADER header;
@@ -137,7 +142,7 @@ void Emf2SvgConverter::SetupPicture(const tagENHMETAHEADER& h) {
     return;
 }
 
-void Emf2SvgConverter::WalkRecords(unsigned char* data, const tagENHMETAHEADER& header,
+void Emf2SvgConverter::WalkRecords(const unsigned char* data, const tagENHMETAHEADER& header,
                                    CLogger& log) {
     if (header.nRecords == 0) return;
     // The buffer holds nBytes bytes. A record that does not fit, or whose size cannot hold
@@ -150,8 +155,11 @@ void Emf2SvgConverter::WalkRecords(unsigned char* data, const tagENHMETAHEADER& 
         std::memcpy(&emr, data + pos, sizeof emr);
         InitEMR(emr);
         if (emr.nSize < sizeof(tagEMR) || !records::Fits(pos, emr.nSize, end)) break;
-        unsigned char* copy = m_recordCopy.Fill(data + pos, emr.nSize);
         if (emr.iType == kEmrEof) break;
+        // A record without a handler is only named: its type is all that is read of it.
+        const HandlerEntry* entry = HandlerFor(emr.iType);
+        unsigned char* copy = entry ? m_recordCopy.Fill(data + pos, emr.nSize, entry->fixed)
+                                    : m_recordCopy.Fill(data + pos, sizeof(tagEMR), 0);
         HandleEnhMetaRecordData(copy, emr.nSize, log);
         if (++count == header.nRecords) break;
         pos += emr.nSize;
@@ -166,11 +174,11 @@ int Emf2SvgConverter::HandleEnhMetaRecordData(unsigned char* record, unsigned in
     tagEMR emr;
     std::memcpy(&emr, record, sizeof emr);
     InitEMRMETARECORD(emr);
-    const auto it = m_handlers.find(emr.iType);
-    if (it == m_handlers.end()) {
+    const HandlerEntry* entry = HandlerFor(emr.iType);
+    if (!entry) {
         log.LogString(RecordName(emr.iType));
         TRACE_RETURN(1);
     }
-    const int result = (this->*(it->second))(record, size);
+    const int result = (this->*(entry->handler))(record, size);
     TRACE_RETURN(result);
 }

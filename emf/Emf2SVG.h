@@ -1,16 +1,15 @@
 // Emf2SvgConverter: the EMF record interpreter.
 //
 // One converter serves one conversion: ConvertEMFToSVG walks the records of a whole file,
-// dispatching each to its handler through a table keyed by record type, and GetOutSVG hands
-// back the SVG text. Handlers receive a private, zero-padded copy of their record
-// (records::kRecordPadding bytes of zeros follow it) and its size from the record header.
+// dispatching each to its handler through a table indexed by record type, and TakeOutSVG hands
+// over the SVG text. Handlers receive a private copy of their record, zero-filled up to the
+// fixed fields their table entry names, and its size from the record header.
 #ifndef SVGMODULE_EMF2SVG_H
 #define SVGMODULE_EMF2SVG_H
 
 #include <QRegion>
 #include <QString>
 #include <cstring>
-#include <map>
 
 #include "MetafileStructs.h"
 #include "api/Logger.h"
@@ -22,6 +21,14 @@ class Emf2SvgConverter {
     typedef int (Emf2SvgConverter::*Handler)(unsigned char* record, unsigned int size);
 
     static const unsigned int kNameTableSize = 10000;
+    static const unsigned int kHandlerTableSize = 128;
+
+    // One entry of the handler table.
+    struct HandlerEntry {
+        Handler handler = nullptr;
+        // Bytes of fixed fields the handler reads; a shorter record is zero-filled up to them.
+        size_t fixed = records::kRecordPadding;
+    };
 
     Emf2SvgConverter();
     ~Emf2SvgConverter();
@@ -32,8 +39,10 @@ class Emf2SvgConverter {
     static int IsValidEMFFile(tagENHMETAHEADER& header);
     // Converts the whole file at `data`, whose header's nBytes the caller has checked against
     // the bytes it holds. Returns 1, 0 (null data or no signature) or -1 (exception).
-    int ConvertEMFToSVG(unsigned char* data, CLogger& log);
+    int ConvertEMFToSVG(const unsigned char* data, CLogger& log);
     QString GetOutSVG();
+    // The document as UTF-8, handed over without a copy; the converter keeps no text.
+    QByteArray TakeOutSVG();
 
     void InitEMFRecHandlers();
     void InitEMFText();
@@ -41,7 +50,7 @@ class Emf2SvgConverter {
 
     // The record name for a type, or null when the type has none.
     const char* RecordName(unsigned int type) const {
-        return type < kNameTableSize ? m_recordNames[type] : nullptr;
+        return type < kNameTableSize && m_recordNames ? m_recordNames[type] : nullptr;
     }
 
     // Coordinate mapping: logical to output units.
@@ -56,7 +65,7 @@ class Emf2SvgConverter {
     // Picture origin and size from the header (the document is opened at that size).
     void SetupPicture(const tagENHMETAHEADER& header);
     // Walks the records after the header; returns false when an exception ended the walk.
-    void WalkRecords(unsigned char* data, const tagENHMETAHEADER& header, CLogger& log);
+    void WalkRecords(const unsigned char* data, const tagENHMETAHEADER& header, CLogger& log);
     int MapLength(float v);
     int MapAxis(int v, float divisor, int32_t windowOrg, int origin, int withOrigin);
 
@@ -156,10 +165,17 @@ class Emf2SvgConverter {
     int OnStrokePath(unsigned char* record, unsigned int size);
     int OnAbortPath(unsigned char* record, unsigned int size);
 
-    std::map<unsigned int, Handler> m_handlers;
+    // The handler of a record type, or null.
+    const HandlerEntry* HandlerFor(unsigned int type) const {
+        return type < kHandlerTableSize && m_handlers[type].handler ? &m_handlers[type] : nullptr;
+    }
+
+    static const HandlerEntry* HandlerTable();
+
+    const HandlerEntry* m_handlers;  // kHandlerTableSize entries, shared by all converters
     CMySVGWriter m_writer;
     QRegion m_boundsRegion;
-    const char* m_recordNames[kNameTableSize];
+    const char* const* m_recordNames;  // kNameTableSize entries, shared by all converters
     float m_vpScaleX;
     float m_vpScaleY;
     tagXFORM m_worldXform;

@@ -1,5 +1,7 @@
 // The record handler table and the reset of the mapping state at the start of a conversion.
 #define TRACE_FILE "Emf2SVG"
+#include <array>
+
 #include "api/Trace.h"
 #include "emf/Emf2SVG.h"
 
@@ -13,62 +15,74 @@ void Emf2SvgConverter::InitEMFRecHandlers() {
     m_anisotropic = 0;
     m_originX = m_originY = 0;
 
+    m_handlers = HandlerTable();
+    TRACE_RETURN();
+}
+
+// The table is made once and shared by every converter. Each entry names the bytes of fixed
+// fields its handler reads.
+const Emf2SvgConverter::HandlerEntry* Emf2SvgConverter::HandlerTable() {
     static const struct {
         unsigned int type;
         Handler handler;
+        size_t fixed = records::kRecordPadding;
     } kTable[] = {
-        {2, &Emf2SvgConverter::OnPolyBezier},
-        {3, &Emf2SvgConverter::OnPolygon},
-        {4, &Emf2SvgConverter::OnPolyLine},
-        {5, &Emf2SvgConverter::OnPolyBezierTo},
-        {6, &Emf2SvgConverter::OnPolyLineTo},
-        {7, &Emf2SvgConverter::OnPolyPolyLine},
-        {8, &Emf2SvgConverter::OnPolyPolygon},
-        {9, &Emf2SvgConverter::OnSetWindowsExt},
-        {10, &Emf2SvgConverter::OnSetWindowOrgEx},
-        {11, &Emf2SvgConverter::OnSetViewPortEx},
-        {12, &Emf2SvgConverter::OnSetViewPortOrgEx},
-        {17, &Emf2SvgConverter::OnSetMapMode},
-        {18, &Emf2SvgConverter::OnSetBkMode},
-        {22, &Emf2SvgConverter::OnSetTextAlign},
-        {24, &Emf2SvgConverter::OnSetTextColor},
-        {25, &Emf2SvgConverter::OnSetBkColor},
-        {27, &Emf2SvgConverter::OnMoveToEx},
-        {35, &Emf2SvgConverter::OnSetWorldTransform},
-        {36, &Emf2SvgConverter::OnModifyWorldTransform},
-        {37, &Emf2SvgConverter::OnSelectObject},
-        {38, &Emf2SvgConverter::OnCreatePen},
-        {39, &Emf2SvgConverter::OnCreateBrushIndirect},
-        {40, &Emf2SvgConverter::OnDeleteObject},
-        {41, &Emf2SvgConverter::OnAngleArc},
-        {42, &Emf2SvgConverter::OnEllipse},
-        {43, &Emf2SvgConverter::OnRectangle},
-        {44, &Emf2SvgConverter::OnRoundedRect},
-        {45, &Emf2SvgConverter::OnArc},
-        {46, &Emf2SvgConverter::OnChord},
-        {47, &Emf2SvgConverter::OnPie},
-        {54, &Emf2SvgConverter::OnLineTo},
-        {55, &Emf2SvgConverter::OnArcTo},
-        {59, &Emf2SvgConverter::OnBeginPath},
-        {60, &Emf2SvgConverter::OnEndPath},
-        {61, &Emf2SvgConverter::OnCloseFigure},
-        {62, &Emf2SvgConverter::OnFillPath},
-        {64, &Emf2SvgConverter::OnStrokePath},
-        {68, &Emf2SvgConverter::OnAbortPath},
-        {82, &Emf2SvgConverter::OnExtCreateFontIndirect},
-        {84, &Emf2SvgConverter::OnExtTextOutW},
-        {85, &Emf2SvgConverter::OnPolyBezier16},
-        {86, &Emf2SvgConverter::OnPolygon16},
-        {87, &Emf2SvgConverter::OnPolyLine16},
-        {88, &Emf2SvgConverter::OnPolyBezierTo16},
-        {89, &Emf2SvgConverter::OnPolyLineTo16},
-        {90, &Emf2SvgConverter::OnPolyPolyLine16},
-        {91, &Emf2SvgConverter::OnPolyPolygon16},
-        {92, &Emf2SvgConverter::OnPolyDraw},
-        {93, &Emf2SvgConverter::OnCreateMonoBrush},
-        {95, &Emf2SvgConverter::OnCreatePenEx},
-        {108, &Emf2SvgConverter::OnSmallTextOut},
+        {2, &Emf2SvgConverter::OnPolyBezier, sizeof(tagEMRPOLYLINE)},
+        {3, &Emf2SvgConverter::OnPolygon, sizeof(tagEMRPOLYLINE)},
+        {4, &Emf2SvgConverter::OnPolyLine, sizeof(tagEMRPOLYLINE)},
+        {5, &Emf2SvgConverter::OnPolyBezierTo, sizeof(tagEMRPOLYLINE)},
+        {6, &Emf2SvgConverter::OnPolyLineTo, sizeof(tagEMRPOLYLINE)},
+        {7, &Emf2SvgConverter::OnPolyPolyLine, sizeof(tagEMRPOLYPOLYLINE)},
+        {8, &Emf2SvgConverter::OnPolyPolygon, sizeof(tagEMRPOLYPOLYLINE)},
+        {9, &Emf2SvgConverter::OnSetWindowsExt, sizeof(tagEMRSETVIEWPORTEXTEX)},
+        {10, &Emf2SvgConverter::OnSetWindowOrgEx, sizeof(tagEMRSETVIEWPORTORGEX)},
+        {11, &Emf2SvgConverter::OnSetViewPortEx, sizeof(tagEMRSETVIEWPORTEXTEX)},
+        {12, &Emf2SvgConverter::OnSetViewPortOrgEx, sizeof(tagEMRSETVIEWPORTORGEX)},
+        {17, &Emf2SvgConverter::OnSetMapMode, sizeof(tagEMRSETMAPMODE)},
+        {18, &Emf2SvgConverter::OnSetBkMode, sizeof(tagEMRSETBKMODE)},
+        {22, &Emf2SvgConverter::OnSetTextAlign, sizeof(tagEMRSETTEXTALIGN)},
+        {24, &Emf2SvgConverter::OnSetTextColor, sizeof(tagEMRSETTEXTCOLOR)},
+        {25, &Emf2SvgConverter::OnSetBkColor, sizeof(tagEMRSETBKCOLOR)},
+        {27, &Emf2SvgConverter::OnMoveToEx, sizeof(tagEMRMOVETOEX)},
+        {35, &Emf2SvgConverter::OnSetWorldTransform, sizeof(tagEMRSETWORLDTRANSFORM)},
+        {36, &Emf2SvgConverter::OnModifyWorldTransform, sizeof(tagEMRMODIFYWORLDTRANSFORM)},
+        {37, &Emf2SvgConverter::OnSelectObject, sizeof(tagEMRSELECTOBJECT)},
+        {38, &Emf2SvgConverter::OnCreatePen, sizeof(tagEMRCREATEPEN)},
+        {39, &Emf2SvgConverter::OnCreateBrushIndirect, sizeof(tagEMRCREATEBRUSHINDIRECT)},
+        {40, &Emf2SvgConverter::OnDeleteObject, sizeof(tagEMRDELETEOBJECT)},
+        {41, &Emf2SvgConverter::OnAngleArc, sizeof(tagEMRANGLEARC)},
+        {42, &Emf2SvgConverter::OnEllipse, sizeof(tagEMRELLIPSE)},
+        {43, &Emf2SvgConverter::OnRectangle, sizeof(tagEMRRECTANGLE)},
+        {44, &Emf2SvgConverter::OnRoundedRect, sizeof(tagEMRROUNDRECT)},
+        {45, &Emf2SvgConverter::OnArc, sizeof(tagEMRARC)},
+        {46, &Emf2SvgConverter::OnChord, sizeof(tagEMRARC)},
+        {47, &Emf2SvgConverter::OnPie, sizeof(tagEMRARC)},
+        {54, &Emf2SvgConverter::OnLineTo, sizeof(tagEMRLINETO)},
+        {55, &Emf2SvgConverter::OnArcTo, sizeof(tagEMRARC)},
+        {59, &Emf2SvgConverter::OnBeginPath, sizeof(tagEMR)},
+        {60, &Emf2SvgConverter::OnEndPath, sizeof(tagEMR)},
+        {61, &Emf2SvgConverter::OnCloseFigure, sizeof(tagEMR)},
+        {62, &Emf2SvgConverter::OnFillPath, sizeof(tagEMR)},
+        {64, &Emf2SvgConverter::OnStrokePath, sizeof(tagEMR)},
+        {68, &Emf2SvgConverter::OnAbortPath, sizeof(tagEMR)},
+        {82, &Emf2SvgConverter::OnExtCreateFontIndirect, sizeof(tagEMREXTCREATEFONTINDIRECTW)},
+        {84, &Emf2SvgConverter::OnExtTextOutW, sizeof(tagEMREXTTEXTOUTW)},
+        {85, &Emf2SvgConverter::OnPolyBezier16, sizeof(tagEMRPOLYLINE16)},
+        {86, &Emf2SvgConverter::OnPolygon16, sizeof(tagEMRPOLYLINE16)},
+        {87, &Emf2SvgConverter::OnPolyLine16, sizeof(tagEMRPOLYLINE16)},
+        {88, &Emf2SvgConverter::OnPolyBezierTo16, sizeof(tagEMRPOLYLINE16)},
+        {89, &Emf2SvgConverter::OnPolyLineTo16, sizeof(tagEMRPOLYLINE16)},
+        {90, &Emf2SvgConverter::OnPolyPolyLine16, sizeof(tagEMRPOLYPOLYLINE16)},
+        {91, &Emf2SvgConverter::OnPolyPolygon16, sizeof(tagEMRPOLYPOLYLINE16)},
+        {92, &Emf2SvgConverter::OnPolyDraw, sizeof(tagEMRPOLYDRAW16)},
+        {93, &Emf2SvgConverter::OnCreateMonoBrush, sizeof(tagEMR)},
+        {95, &Emf2SvgConverter::OnCreatePenEx, sizeof(tagEMREXTCREATEPEN)},
+        {108, &Emf2SvgConverter::OnSmallTextOut, sizeof(tagEMRSMALLTEXTOUT)},
     };
-    for (const auto& entry : kTable) m_handlers[entry.type] = entry.handler;
-    TRACE_RETURN();
+    static const std::array<HandlerEntry, kHandlerTableSize> table = [] {
+        std::array<HandlerEntry, kHandlerTableSize> entries{};
+        for (const auto& e : kTable) entries[e.type] = HandlerEntry{e.handler, e.fixed};
+        return entries;
+    }();
+    return table.data();
 }

@@ -64,7 +64,7 @@ void DrawPolygons(CMySVGWriter& writer, const PolyListLayout& l, const P* points
     for (uint32_t i = 0; i < l.polys; ++i) {
         const uint64_t first = std::min<uint64_t>(start, l.pointsHeld);
         const uint32_t count = (uint32_t)std::min<uint64_t>(l.counts[i], l.pointsHeld - first);
-        writer.DrawPolyLine(points + first, count, closed, false, QString());
+        writer.DrawPolyLine(points + first, count, closed, false, QByteArray());
         start += l.counts[i];
     }
 }
@@ -73,7 +73,7 @@ void DrawPolygons(CMySVGWriter& writer, const PolyListLayout& l, const P* points
 
 template <class P>
 void Emf2SvgConverter::EmitPoints(const P* points, uint32_t count, PolyCall call) {
-    const QString style;  // the writer's current pen and brush
+    const QByteArray style;  // the writer's current pen and brush
     switch (call) {
         case PolyCall::Polyline:
             m_writer.DrawPolyLine(points, count, false, false, style);
@@ -166,7 +166,7 @@ int Emf2SvgConverter::OnLineTo(unsigned char* record, unsigned int size) {
     if (IsEmptyRecord(record, size)) TRACE_RETURN(0);
     tagEMRLINETO r = FixedCopy<tagEMRLINETO>(record);
     InitLINETO(r);
-    m_writer.DrawLineTo(MapX(r.ptl.x, 1), MapY(r.ptl.y, 1), QString());
+    m_writer.DrawLineTo(MapX(r.ptl.x, 1), MapY(r.ptl.y, 1), QByteArray());
     TRACE_RETURN(1);
 }
 
@@ -281,5 +281,5 @@ int Emf2SvgConverter::OnPolyDraw(unsigned char* record, unsigned int size) {
     tagPOINTS* points = reinterpret_cast<tagPOINTS*>(record + EMR_POLY_POINTS_OFFSET);
     const unsigned char* types = record + EMR_POLY_POINTS_OFFSET + sizeof(tagPOINTS) * count;
     MapInPlace(points, count);
-    TRACE_RETURN(m_writer.DrawMixedPoly(points, types, count, QString()) ? 1 : 0);
+    TRACE_RETURN(m_writer.DrawMixedPoly(points, types, count, QByteArray()) ? 1 : 0);
 }

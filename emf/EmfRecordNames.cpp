@@ -2,6 +2,8 @@
 #define TRACE_FILE "Emf2SVG"
 #include "emf/Emf2SVG.h"
 
+#include <array>
+
 #include "api/Trace.h"
 
 namespace {
@@ -134,8 +136,14 @@ const NamedRecord kEmfRecordNames[] = {
 };
 }  // namespace
 
+// The name table is made once and shared by every converter.
 void Emf2SvgConverter::InitEMFText() {
     TRACE_ENTER();
-    for (const NamedRecord& entry : kEmfRecordNames) m_recordNames[entry.type] = entry.name;
+    static const std::array<const char*, kNameTableSize> table = [] {
+        std::array<const char*, kNameTableSize> names{};
+        for (const NamedRecord& entry : kEmfRecordNames) names[entry.type] = entry.name;
+        return names;
+    }();
+    m_recordNames = table.data();
     TRACE_RETURN();
 }

@@ -66,10 +66,6 @@ void CLogSystem::setLevel(const std::string& name) {
     __atomic_store_n(&m_level, (int)basic_logging::LevelFromName(name.c_str()), __ATOMIC_RELAXED);
 }
 
-Level CLogSystem::level() const {
-    return (Level)__atomic_load_n(&m_level, __ATOMIC_RELAXED);
-}
-
 void CLogSystem::setSink(Sink sink) {
     std::lock_guard<std::mutex> lock(m_sinkMutex);
     m_sink = std::move(sink);

@@ -91,7 +91,10 @@ class CLogSystem {
     std::string getLevel() const;
     // Sets the level by name (case-insensitive); an unknown name selects WARN.
     void setLevel(const std::string& name);
-    basic_logging::Level level() const;
+    // The current level as a number: what a caller compares at every trace point.
+    basic_logging::Level level() const {
+        return (basic_logging::Level)__atomic_load_n(&m_level, __ATOMIC_RELAXED);
+    }
 
     // Replaces where finished lines go; an empty sink restores standard error.
     void setSink(Sink sink);

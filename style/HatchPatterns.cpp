@@ -46,23 +46,23 @@ const char* hatch::Template(unsigned int style) {
 
 // Makes the pattern of a hatched brush and returns the brush's fill attribute. A hatch style
 // without a template makes no pattern; the fill then names the latest pattern number.
-QString CStyleManager::GetPattern(unsigned int handle, unsigned int hatchStyle,
-                                  unsigned int colour) {
+QByteArray CStyleManager::GetPattern(unsigned int handle, unsigned int hatchStyle,
+                                     unsigned int colour) {
     TRACE_ENTER();
-    const QString colourText = GetColorString(colour);
+    const QByteArray colourText = GetColorString(colour);
     if (hatchStyle < static_cast<unsigned int>(hatch::kStyleCount)) {
         ++m_patternCounter;
-        QString definition = QString::fromLatin1(m_hatchTemplates[hatchStyle]);
-        definition.replace(QLatin1String("%1"), m_bkgColor);
-        definition.replace(QLatin1String("%2"), colourText);
-        definition.replace(QLatin1String("%3"), QString::number(m_patternCounter));
-        definition += QLatin1Char('\n');
+        QByteArray definition(m_hatchTemplates[hatchStyle]);
+        definition.replace("%1", m_bkgColor);
+        definition.replace("%2", colourText);
+        definition.replace("%3", QByteArray::number(m_patternCounter));
+        definition += '\n';
         m_patterns[static_cast<int>(handle)] = definition;
     }
-    TRACE_RETURN(QStringLiteral(" fill=\"url(#BRUSH_") + QString::number(m_patternCounter) +
-                 QStringLiteral(")\" \n"));
+    TRACE_RETURN(" fill=\"url(#BRUSH_" + QByteArray::number(m_patternCounter) + ")\" \n");
 }
 
-QString CStyleManager::GetPatternDef(unsigned int handle) {
-    return m_patterns[static_cast<int>(handle)];
+QByteArray CStyleManager::GetPatternDef(unsigned int handle) {
+    const auto it = m_patterns.find(static_cast<int>(handle));
+    return it == m_patterns.end() ? QByteArray() : it->second;
 }

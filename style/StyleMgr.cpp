@@ -53,9 +53,10 @@ const char* StockBrushText(unsigned int handle) {
 }
 
 QString EmfFaceName(const tagLOGFONTW& lf) {
-    QString name;
-    for (int i = 0; i < kFaceNameLength && lf.lfFaceName[i] != 0; ++i)
-        name += QChar(static_cast<ushort>(lf.lfFaceName[i]));
+    int length = 0;
+    while (length < kFaceNameLength && lf.lfFaceName[length] != 0) ++length;
+    QString name(length, Qt::Uninitialized);
+    for (int i = 0; i < length; ++i) name[i] = QChar(static_cast<ushort>(lf.lfFaceName[i]));
     return name;
 }
 
@@ -71,12 +72,12 @@ int AbsHeight(int32_t h) {
 }
 
 // Drops the first stroke="..." attribute from `s`, keeping stroke-width and the rest.
-void RemoveStrokeAttribute(QString& s) {
-    const int p = s.indexOf(QLatin1String("stroke"));
+void RemoveStrokeAttribute(QByteArray& s) {
+    const auto p = s.indexOf("stroke");
     if (p < 0) return;
-    const int q1 = s.indexOf(QLatin1Char('"'), p);
+    const auto q1 = s.indexOf('"', p);
     if (q1 < 0) return;
-    const int q2 = s.indexOf(QLatin1Char('"'), q1 + 1);
+    const auto q2 = s.indexOf('"', q1 + 1);
     if (q2 < 0) return;
     s.remove(p, q2 - p + 1);
 }
@@ -88,13 +89,13 @@ const int CStyleManager::kPatternMade;
 
 CStyleManager::CStyleManager()
     : m_patternCounter(0),
-      m_penStyle(QStringLiteral("stroke=\"none\" stroke-width=\"1\" ")),
-      m_brushStyle(QStringLiteral("fill=\"white\"")),
-      m_bkgColor(QStringLiteral("none")),
+      m_penStyle("stroke=\"none\" stroke-width=\"1\" "),
+      m_brushStyle("fill=\"white\""),
+      m_bkgColor("none"),
       m_bkgMode(0.0f),
-      m_textColor(QStringLiteral("black")),
-      m_fontStyle(QStringLiteral("  ")),
-      m_currentStyle(QStringLiteral("stroke=\"black\" stroke-width=\"1\" fill=\"none\" ")),
+      m_textColor("black"),
+      m_fontStyle("  "),
+      m_currentStyle("stroke=\"black\" stroke-width=\"1\" fill=\"none\" "),
       m_hatchTemplates(),
       m_bold(false),
       m_italic(false),
@@ -106,6 +107,9 @@ CStyleManager::CStyleManager()
       m_lastFontHandle(kStockDeviceDefaultFont) {
     TRACE_ENTER();
     for (int i = 0; i < hatch::kStyleCount; ++i) m_hatchTemplates[i] = hatch::Template(i);
+    RebuildPenStyle();
+    RebuildBrushStyle();
+    RebuildTextStyle();
     TRACE_RETURN();
 }
 
@@ -124,7 +128,7 @@ int CStyleManager::EmfCreatePen(unsigned int handle, unsigned int style, unsigne
 int CStyleManager::EmfCreateBrush(unsigned int handle, unsigned int style, unsigned int hatch,
                                   unsigned int colour) {
     TRACE_ENTER();
-    QString text;
+    QByteArray text;
     if (style == kBrushSolid)
         text = SolidBrushText(colour);
     else if (style == kBrushHatched)
@@ -143,6 +147,7 @@ int CStyleManager::EmfCreateFont(unsigned int handle, tagLOGFONTW lf) {
 
     FontInf& info = m_fonts[Key(handle)];
     info.family = family;
+    info.familyText = family.toUtf8();
     info.weight = lf.lfWeight;
     info.height = AbsHeight(lf.lfHeight);
     info.descent = kFontDefaultDescent;
@@ -151,7 +156,7 @@ int CStyleManager::EmfCreateFont(unsigned int handle, tagLOGFONTW lf) {
 
     EmfObject& font = m_objects[Key(handle)];
     font.kind = KindFont;
-    font.style = EmfFontText(family, lf);
+    font.style = EmfFontText(info.familyText, lf);
     m_lastFontHandle = handle;
     TRACE_RETURN(0);
 }
@@ -163,6 +168,7 @@ int CStyleManager::MetaCreateFont(unsigned int handle, FONTSPEC wmfFont) {
 
     FontInf& info = m_fonts[Key(handle)];
     info.family = family;
+    info.familyText = family.toUtf8();
     info.weight = weight;
     info.height = static_cast<uint16_t>(wmfFont.Height);
     info.descent = kFontDefaultDescent;
@@ -171,7 +177,7 @@ int CStyleManager::MetaCreateFont(unsigned int handle, FONTSPEC wmfFont) {
 
     EmfObject& font = m_objects[Key(handle)];
     font.kind = KindFont;
-    font.style = WmfFontText(family, wmfFont);
+    font.style = WmfFontText(info.familyText, wmfFont);
     TRACE_RETURN(0);
 }
 
@@ -179,17 +185,22 @@ int CStyleManager::EmfSelectObject(unsigned long handle) {
     TRACE_ENTER();
     unsigned int h = static_cast<uint32_t>(handle);
     if (h == kStockDeviceDefaultFont) h = m_lastFontHandle;
-    const EmfObject& object = m_objects[Key(h)];
-    switch (object.kind) {
+    // A handle without an entry is looked up without making one: it acts as a stock object.
+    const auto it = m_objects.find(Key(h));
+    const int kind = it == m_objects.end() ? KindEmpty : it->second.kind;
+    switch (kind) {
         case KindPen:
-            m_penStyle = object.style;
+            m_penStyle = it->second.style;
+            RebuildPenStyle();
             break;
         case KindBrush:
             m_brushStyle =
-                object.style.isEmpty() ? QStringLiteral(" fill=\"none\" ") : object.style;
+                it->second.style.isEmpty() ? QByteArray(" fill=\"none\" ") : it->second.style;
+            RebuildBrushStyle();
             break;
         case KindFont:
-            SelectFont(Key(h), object.style);
+            SelectFont(Key(h), it->second.style);
+            RebuildTextStyle();
             break;
         default:
             SelectStockObject(h);
@@ -200,15 +211,19 @@ int CStyleManager::EmfSelectObject(unsigned long handle) {
 }
 
 void CStyleManager::SelectStockObject(unsigned int handle) {
-    if (const char* brush = StockBrushText(handle))
-        m_brushStyle = QString::fromLatin1(brush);
-    else if (handle == kStockNullPen)
-        m_penStyle = QStringLiteral(" stroke=\"none\" ");
+    if (const char* brush = StockBrushText(handle)) {
+        m_brushStyle = QByteArray(brush);
+        RebuildBrushStyle();
+    } else if (handle == kStockNullPen) {
+        m_penStyle = QByteArray(" stroke=\"none\" ");
+        RebuildPenStyle();
+    }
 }
 
-void CStyleManager::SelectFont(int key, const QString& text) {
+void CStyleManager::SelectFont(int key, const QByteArray& text) {
     m_fontStyle = text;
-    const FontInf& info = m_fonts[key];
+    const auto it = m_fonts.find(key);
+    const FontInf info = it == m_fonts.end() ? FontInf() : it->second;
     m_fontHeight = info.height;
     m_fontWeight = info.weight;
     m_fontDescent = info.descent;
@@ -217,14 +232,16 @@ void CStyleManager::SelectFont(int key, const QString& text) {
     m_italic = info.italic;
 }
 
+// Every text searched here is made by this class in lower case, so the search for the stroke
+// attribute needs no case folding.
 void CStyleManager::RebuildCurrentStyle() {
-    QString s = m_penStyle + QLatin1Char(' ');
-    const QLatin1String strokeAttr("stroke=");
-    if (m_brushStyle.contains(strokeAttr, Qt::CaseInsensitive) &&
-        s.contains(strokeAttr, Qt::CaseInsensitive))
-        RemoveStrokeAttribute(s);
+    QByteArray s;
+    s.reserve(m_penStyle.size() + 1 + m_brushStyle.size() + m_clipAttr.size());
+    s += m_penStyle;
+    s += ' ';
+    if (m_brushStyle.contains("stroke=") && s.contains("stroke=")) RemoveStrokeAttribute(s);
     s += m_brushStyle;
-    if (!m_clipAttr.isEmpty()) s += m_clipAttr;
+    s += m_clipAttr;
     m_currentStyle = s;
 }
 
@@ -235,29 +252,32 @@ int CStyleManager::EmfDeleteObject(unsigned int handle) {
     TRACE_RETURN(0);
 }
 
-QString CStyleManager::EmfGetBrush(unsigned int handle) {
+QByteArray CStyleManager::EmfGetBrush(unsigned int handle) {
     TRACE_ENTER();
-    const EmfObject& object = m_objects[Key(handle)];
-    if (object.kind != KindBrush) TRACE_RETURN(QString());
-    const int equals = object.style.indexOf(QLatin1Char('='));
-    TRACE_RETURN(equals < 0 ? object.style : object.style.mid(equals));
+    const auto it = m_objects.find(Key(handle));
+    if (it == m_objects.end() || it->second.kind != KindBrush) TRACE_RETURN(QByteArray());
+    const QByteArray& style = it->second.style;
+    const auto equals = style.indexOf('=');
+    TRACE_RETURN(equals < 0 ? style : style.mid(equals));
 }
 
-int CStyleManager::ExtSetClipRgn(const QString& id) {
+// The clip attribute is made here in one spelling, so it is found without case folding.
+int CStyleManager::ExtSetClipRgn(const QByteArray& id) {
     TRACE_ENTER();
-    if (!m_clipAttr.isEmpty()) m_currentStyle.remove(m_clipAttr, Qt::CaseInsensitive);
-    m_clipAttr =
-        id.isEmpty() ? QString() : QStringLiteral("clip-path=\"url(#") + id + QStringLiteral(")\"");
-    if (!m_clipAttr.isEmpty()) m_currentStyle += m_clipAttr;
+    if (!m_clipAttr.isEmpty()) m_currentStyle.replace(m_clipAttr, QByteArray());
+    m_clipAttr = id.isEmpty() ? QByteArray() : "clip-path=\"url(#" + id + ")\"";
+    m_currentStyle += m_clipAttr;
+    RebuildPenStyle();
     TRACE_RETURN(1);
 }
 
-QString CStyleManager::SetTextColor(unsigned int colour) {
+QByteArray CStyleManager::SetTextColor(unsigned int colour) {
     m_textColor = GetColorString(colour);
+    RebuildTextStyle();
     return m_textColor;
 }
 
-QString CStyleManager::SetBkgColor(unsigned int colour) {
+QByteArray CStyleManager::SetBkgColor(unsigned int colour) {
     m_bkgColor = GetColorString(colour);
     return m_bkgColor;
 }
@@ -270,11 +290,11 @@ float CStyleManager::GetBkgMode() const {
     return m_bkgMode;
 }
 
-QString CStyleManager::GetCurrentStyle() {
+const QByteArray& CStyleManager::GetCurrentStyle() {
     return m_currentStyle;
 }
 
-QString CStyleManager::GetClipPath() {
+const QByteArray& CStyleManager::GetClipPath() {
     return m_clipAttr;
 }
 

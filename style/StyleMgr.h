@@ -1,11 +1,13 @@
 // CStyleManager: the graphics device's object table and drawing state, as SVG attribute text.
 //
 // Pens, brushes and fonts are kept under the metafile's own handle numbers as finished
-// fragments of SVG attribute text; every selection rebuilds one current style that the writer
-// appends to the elements it emits. Hatched brushes become <pattern> definitions.
+// fragments of SVG attribute text (UTF-8); every selection rebuilds one current style that the
+// writer appends to the elements it emits. Hatched brushes become <pattern> definitions. The
+// composed styles are kept ready-made and rebuilt only when a part of them changes.
 #ifndef SVGMODULE_STYLEMGR_H
 #define SVGMODULE_STYLEMGR_H
 
+#include <QByteArray>
 #include <QString>
 #include <map>
 
@@ -20,10 +22,11 @@ class CStyleManager {
 
     struct EmfObject {
         int kind = KindEmpty;
-        QString style;
+        QByteArray style;
     };
     struct FontInf {
         QString family;
+        QByteArray familyText;  // the family as UTF-8, for attribute texts
         int weight = 0;
         int height = 0;
         int descent = 0;
@@ -43,31 +46,31 @@ class CStyleManager {
     int MetaCreateFont(unsigned int handle, FONTSPEC wmfFont);
     int EmfSelectObject(unsigned long handle);
     int EmfDeleteObject(unsigned int handle);
-    QString EmfGetBrush(unsigned int handle);
+    QByteArray EmfGetBrush(unsigned int handle);
 
     // Hatch patterns.
-    QString GetPattern(unsigned int handle, unsigned int hatch, unsigned int colour);
-    QString GetPatternDef(unsigned int handle);
+    QByteArray GetPattern(unsigned int handle, unsigned int hatch, unsigned int colour);
+    QByteArray GetPatternDef(unsigned int handle);
 
     // Clipping.
-    int ExtSetClipRgn(const QString& id);
+    int ExtSetClipRgn(const QByteArray& id);
 
     // Colours and modes.
-    QString SetTextColor(unsigned int colour);
-    QString SetBkgColor(unsigned int colour);
+    QByteArray SetTextColor(unsigned int colour);
+    QByteArray SetBkgColor(unsigned int colour);
     void SetBkgMode(float mode);
     float GetBkgMode() const;
 
     // Attribute texts.
-    QString GetColorString(unsigned int colour);
-    QString GetDashArray(int width, int penStyle, const unsigned int* entries, int count);
-    QString GetCurrPenStyle();
-    QString GetCurrBrushStyle();
-    QString GetCurrTextStyle();
+    QByteArray GetColorString(unsigned int colour);
+    QByteArray GetDashArray(int width, int penStyle, const unsigned int* entries, int count);
+    const QByteArray& GetCurrPenStyle();
+    const QByteArray& GetCurrBrushStyle();
+    const QByteArray& GetCurrTextStyle();
 
     // State getters.
-    QString GetCurrentStyle();
-    QString GetClipPath();
+    const QByteArray& GetCurrentStyle();
+    const QByteArray& GetClipPath();
     int GetEscapement();
     int GetCurrentFontHeight();
     int GetCurrentFontDescent();
@@ -79,30 +82,34 @@ class CStyleManager {
   private:
     // Merges pen, brush and clip texts into the current style.
     void RebuildCurrentStyle();
+    // The composed pen, brush and text styles, after a change of what they are made of.
+    void RebuildPenStyle();
+    void RebuildBrushStyle();
+    void RebuildTextStyle();
     // Applies a selected stock object; unknown handles change nothing.
     void SelectStockObject(unsigned int handle);
     // Makes the font under `key` the selected one, metrics included.
-    void SelectFont(int key, const QString& text);
+    void SelectFont(int key, const QByteArray& text);
 
     // Attribute texts of created objects.
-    QString PenText(unsigned int style, unsigned int width, unsigned int colour,
-                    const unsigned int* entries, unsigned int count);
-    QString SolidBrushText(unsigned int colour);
-    static QString EmfFontText(const QString& family, const tagLOGFONTW& lf);
-    static QString WmfFontText(const QString& family, const FONTSPEC& wmfFont);
+    QByteArray PenText(unsigned int style, unsigned int width, unsigned int colour,
+                       const unsigned int* entries, unsigned int count);
+    QByteArray SolidBrushText(unsigned int colour);
+    static QByteArray EmfFontText(const QByteArray& family, const tagLOGFONTW& lf);
+    static QByteArray WmfFontText(const QByteArray& family, const FONTSPEC& wmfFont);
 
     int m_patternCounter;
-    QString m_penStyle;
-    QString m_brushStyle;
-    QString m_bkgColor;
+    QByteArray m_penStyle;
+    QByteArray m_brushStyle;
+    QByteArray m_bkgColor;
     float m_bkgMode;
-    QString m_textColor;
-    QString m_fontStyle;
-    QString m_clipAttr;
-    QString m_currentStyle;
+    QByteArray m_textColor;
+    QByteArray m_fontStyle;
+    QByteArray m_clipAttr;
+    QByteArray m_currentStyle;
     QString m_fontFamily;
     std::map<int, EmfObject> m_objects;
-    std::map<int, QString> m_patterns;
+    std::map<int, QByteArray> m_patterns;
     std::map<int, FontInf> m_fonts;
     const char* m_hatchTemplates[6];
     bool m_bold;
@@ -112,6 +119,10 @@ class CStyleManager {
     int m_fontDescent;
     int m_fontWeight;
     unsigned int m_lastFontHandle;
+    // Ready-made results of GetCurrPenStyle, GetCurrBrushStyle and GetCurrTextStyle.
+    QByteArray m_penComposed;
+    QByteArray m_brushComposed;
+    QByteArray m_textComposed;
 };
 
 #endif

@@ -18,29 +18,29 @@ const unsigned int kJoinMask = 0xF000;
 const unsigned int kDashMask = 0xF;
 enum DashStyle { kDash = 1, kDot = 2, kDashDot = 3, kDashDotDot = 4, kUserStyle = 7 };
 
-QString EndCapText(unsigned int style) {
+const char* EndCapText(unsigned int style) {
     switch (style & kEndCapMask) {
         case 0x000:
-            return QStringLiteral("stroke-linecap = \"round\" ");
+            return "stroke-linecap = \"round\" ";
         case 0x100:
-            return QStringLiteral("stroke-linecap = \"square\" ");
+            return "stroke-linecap = \"square\" ";
         case 0x200:
-            return QStringLiteral("stroke-linecap = \"butt\" ");
+            return "stroke-linecap = \"butt\" ";
         default:
-            return QString();
+            return "";
     }
 }
 
-QString JoinText(unsigned int style) {
+const char* JoinText(unsigned int style) {
     switch (style & kJoinMask) {
         case 0x0000:
-            return QStringLiteral("stroke-linejoin = \"round\" ");
+            return "stroke-linejoin = \"round\" ";
         case 0x1000:
-            return QStringLiteral("stroke-linejoin = \"bevel\" ");
+            return "stroke-linejoin = \"bevel\" ";
         case 0x2000:
-            return QStringLiteral("stroke-linejoin = \"miter\" ");
+            return "stroke-linejoin = \"miter\" ";
         default:
-            return QString();
+            return "";
     }
 }
 
@@ -50,127 +50,156 @@ int Times(int k, int w) {
 }
 
 // A dash array of multiples of the pen width: " a , b , c".
-QString DashMultiples(int w, std::initializer_list<int> factors) {
-    QString text = QStringLiteral("stroke-dasharray=\"");
+void AppendDashMultiples(QByteArray& text, int w, std::initializer_list<int> factors) {
+    text += "stroke-dasharray=\"";
     const char* separator = " ";
     for (int factor : factors) {
-        text += QLatin1String(separator) + QString::number(Times(factor, w));
+        text += separator;
+        text += QByteArray::number(Times(factor, w));
         separator = " , ";
     }
-    return text + QStringLiteral("\" ");
+    text += "\" ";
 }
 
 // The caller's entries, at most `count` of them, comma separated.
-QString UserDashes(const unsigned int* entries, int count) {
-    if (entries == nullptr || count <= 0) return QString();
-    QString text = QStringLiteral("stroke-dasharray=\" ");
+void AppendUserDashes(QByteArray& text, const unsigned int* entries, int count) {
+    if (entries == nullptr || count <= 0) return;
+    text += "stroke-dasharray=\" ";
     for (int i = 0; i < count; ++i) {
-        if (i > 0) text += QLatin1Char(',');
-        text += QString::number(entries[i]);
+        if (i > 0) text += ',';
+        text += QByteArray::number(entries[i]);
     }
-    return text + QStringLiteral("\" ");
+    text += "\" ";
 }
 
-QString DashText(int w, unsigned int style, const unsigned int* entries, int count) {
+void AppendDashes(QByteArray& text, int w, unsigned int style, const unsigned int* entries,
+                  int count) {
     switch (style & kDashMask) {
         case kDash:
-            return DashMultiples(w, {4, 2});
+            return AppendDashMultiples(text, w, {4, 2});
         case kDot:
-            return DashMultiples(w, {1, 1});
+            return AppendDashMultiples(text, w, {1, 1});
         case kDashDot:
-            return DashMultiples(w, {4, 2, 1, 2});
+            return AppendDashMultiples(text, w, {4, 2, 1, 2});
         case kDashDotDot:
-            return DashMultiples(w, {4, 2, 1, 2, 1, 2});
+            return AppendDashMultiples(text, w, {4, 2, 1, 2, 1, 2});
         case kUserStyle:
-            return UserDashes(entries, count);
+            return AppendUserDashes(text, entries, count);
         default:
-            return QString();
+            return;
     }
 }
 
 // ` name="value" `
-QString Attribute(const char* name, const QString& value) {
-    return QLatin1Char(' ') + QLatin1String(name) + QStringLiteral("=\"") + value +
-           QStringLiteral("\" ");
+QByteArray Attribute(const char* name, const QByteArray& value) {
+    QByteArray text(" ");
+    text += name;
+    text += "=\"";
+    text += value;
+    text += "\" ";
+    return text;
 }
 
-QString DecorationText(bool underline, bool strikeOut) {
-    if (!strikeOut)
-        return underline ? Attribute("text-decoration", QStringLiteral("underline")) : QString();
-    return Attribute("text-decoration", underline ? QStringLiteral("underline line-through")
-                                                  : QStringLiteral("line-through"));
+QByteArray DecorationText(bool underline, bool strikeOut) {
+    if (!strikeOut) return underline ? Attribute("text-decoration", "underline") : QByteArray();
+    return Attribute("text-decoration", underline ? "underline line-through" : "line-through");
 }
 
-QString WeightText(const QString& weight) {
-    return Attribute("font-weight", weight) + QLatin1Char('\n');
+QByteArray WeightText(const QByteArray& weight) {
+    return Attribute("font-weight", weight) + '\n';
 }
+
+const char kHexDigits[] = "0123456789abcdef";
 
 }  // namespace
 
-QString CStyleManager::GetColorString(unsigned int colour) {
+QByteArray CStyleManager::GetColorString(unsigned int colour) {
     TRACE_ENTER();
-    const QChar zero(QLatin1Char('0'));
-    TRACE_RETURN(QStringLiteral("#%1%2%3")
-                     .arg(colour & 0xFF, 2, 16, zero)
-                     .arg((colour >> 8) & 0xFF, 2, 16, zero)
-                     .arg((colour >> 16) & 0xFF, 2, 16, zero));
+    char text[7] = {'#'};
+    for (int i = 0; i < 3; ++i) {
+        const unsigned int c = (colour >> (8 * i)) & 0xFF;
+        text[1 + 2 * i] = kHexDigits[c >> 4];
+        text[2 + 2 * i] = kHexDigits[c & 0xF];
+    }
+    TRACE_RETURN(QByteArray(text, 7));
 }
 
-QString CStyleManager::GetDashArray(int width, int penStyle, const unsigned int* entries,
-                                    int count) {
+QByteArray CStyleManager::GetDashArray(int width, int penStyle, const unsigned int* entries,
+                                       int count) {
     TRACE_ENTER();
     const unsigned int style = static_cast<unsigned int>(penStyle);
-    TRACE_RETURN(EndCapText(style) + JoinText(style) + DashText(width, style, entries, count));
+    QByteArray text(EndCapText(style));
+    text += JoinText(style);
+    AppendDashes(text, width, style, entries, count);
+    TRACE_RETURN(text);
 }
 
-QString CStyleManager::GetCurrPenStyle() {
+const QByteArray& CStyleManager::GetCurrPenStyle() {
     TRACE_ENTER();
-    TRACE_RETURN(m_penStyle + QStringLiteral(" fill=\"none\" ") + m_clipAttr);
+    TRACE_RETURN(m_penComposed);
 }
 
-QString CStyleManager::GetCurrBrushStyle() {
+const QByteArray& CStyleManager::GetCurrBrushStyle() {
     TRACE_ENTER();
-    TRACE_RETURN(QStringLiteral("\" ") + m_brushStyle +
-                 QStringLiteral(" stroke=\"none\" stroke-width=\"0\" "));
+    TRACE_RETURN(m_brushComposed);
 }
 
-QString CStyleManager::GetCurrTextStyle() {
+const QByteArray& CStyleManager::GetCurrTextStyle() {
     TRACE_ENTER();
-    TRACE_RETURN(m_fontStyle + Attribute("fill", m_textColor));
+    TRACE_RETURN(m_textComposed);
 }
 
-QString CStyleManager::PenText(unsigned int style, unsigned int width, unsigned int colour,
-                               const unsigned int* entries, unsigned int count) {
-    const QString colourText = colour == 0 ? QStringLiteral("black") : GetColorString(colour);
-    QString text = Attribute("stroke", colourText) + QStringLiteral("stroke-width=\"") +
-                   QString::number(width) + QStringLiteral("\" \n");
+void CStyleManager::RebuildPenStyle() {
+    m_penComposed = m_penStyle + " fill=\"none\" " + m_clipAttr;
+}
+
+void CStyleManager::RebuildBrushStyle() {
+    m_brushComposed = "\" " + m_brushStyle + " stroke=\"none\" stroke-width=\"0\" ";
+}
+
+void CStyleManager::RebuildTextStyle() {
+    m_textComposed = m_fontStyle + Attribute("fill", m_textColor);
+}
+
+QByteArray CStyleManager::PenText(unsigned int style, unsigned int width, unsigned int colour,
+                                  const unsigned int* entries, unsigned int count) {
+    QByteArray text =
+        Attribute("stroke", colour == 0 ? QByteArray("black") : GetColorString(colour));
+    text += "stroke-width=\"";
+    text += QByteArray::number(width);
+    text += "\" \n";
     // The entry count has been clipped to the record by the caller; it fits an int.
     const int entryCount = count > 0x7FFFFFFFu ? 0x7FFFFFFF : static_cast<int>(count);
-    const QString dash =
+    const QByteArray dash =
         GetDashArray(static_cast<int>(width), static_cast<int>(style), entries, entryCount);
-    if (!dash.isEmpty()) text += QLatin1Char(' ') + dash;
+    if (!dash.isEmpty()) {
+        text += ' ';
+        text += dash;
+    }
     return text;
 }
 
-QString CStyleManager::SolidBrushText(unsigned int colour) {
-    return QStringLiteral(" fill=\"") + GetColorString(colour) + QStringLiteral("\"\n");
+QByteArray CStyleManager::SolidBrushText(unsigned int colour) {
+    return " fill=\"" + GetColorString(colour) + "\"\n";
 }
 
-QString CStyleManager::EmfFontText(const QString& family, const tagLOGFONTW& lf) {
-    QString text = Attribute("font-family", family);
-    if (lf.lfItalic != 0) text += Attribute("font-style", QStringLiteral("italic"));
+QByteArray CStyleManager::EmfFontText(const QByteArray& family, const tagLOGFONTW& lf) {
+    QByteArray text = Attribute("font-family", family);
+    if (lf.lfItalic != 0) text += Attribute("font-style", "italic");
     text += DecorationText(lf.lfUnderline != 0, lf.lfStrikeOut != 0);
-    if (lf.lfWeight != 0) text += WeightText(QString::number(lf.lfWeight));
+    if (lf.lfWeight != 0) text += WeightText(QByteArray::number(lf.lfWeight));
     return text;
 }
 
-QString CStyleManager::WmfFontText(const QString& family, const FONTSPEC& wmfFont) {
+QByteArray CStyleManager::WmfFontText(const QByteArray& family, const FONTSPEC& wmfFont) {
     const uint16_t height = static_cast<uint16_t>(wmfFont.Height);
     const uint16_t weight = static_cast<uint16_t>(wmfFont.Weight);
-    QString text = Attribute("font-family", family) + QStringLiteral("font-size=\"") +
-                   QString::number(height) + QStringLiteral("\" ");
-    if (wmfFont.Italic != 0) text += Attribute("font-style", QStringLiteral("italic"));
-    if (wmfFont.Underline != 0) text += Attribute("text-decoration", QStringLiteral("underline"));
-    if (weight != 0) text += WeightText(QString::number(weight));
+    QByteArray text = Attribute("font-family", family);
+    text += "font-size=\"";
+    text += QByteArray::number(height);
+    text += "\" ";
+    if (wmfFont.Italic != 0) text += Attribute("font-style", "italic");
+    if (wmfFont.Underline != 0) text += Attribute("text-decoration", "underline");
+    if (weight != 0) text += WeightText(QByteArray::number(weight));
     return text;
 }

@@ -2,8 +2,6 @@
 #define TRACE_FILE "SVGWriter"
 #include "svg/SVGWriter.h"
 
-#include <QIODevice>
-
 #include "api/Trace.h"
 #include "geometry/Transform.h"
 
@@ -12,9 +10,9 @@ const char kSvgNamespace[] = "http://www.w3.org/2000/svg";
 }
 
 CMySVGWriter::CMySVGWriter()
-    : m_currStyle(QStringLiteral(" stroke=\"black\" stroke-width=\"1\" fill=\"none\"")),
-      m_bkColor(QStringLiteral("none")),
-      m_textFill(QStringLiteral(" fill=\"black\"")),
+    : m_currStyle(" stroke=\"black\" stroke-width=\"1\" fill=\"none\""),
+      m_bkColor("none"),
+      m_textFill(" fill=\"black\""),
       m_textAlign(0),
       m_curX(0),
       m_curY(0),
@@ -24,33 +22,31 @@ CMySVGWriter::CMySVGWriter()
       m_figStartY(0),
       m_bkMode(-1),
       m_clipId(1),
-      m_xform{1.0f, 0.0f, 0.0f, 1.0f, 0.0f, 0.0f} {
-    m_stream.setString(&m_output, QIODevice::ReadWrite);
-#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
-    m_stream.setCodec("UTF-8");
-#endif
-}
+      m_xform{1.0f, 0.0f, 0.0f, 1.0f, 0.0f, 0.0f} {}
 
 CMySVGWriter::~CMySVGWriter() {}
 
 bool CMySVGWriter::CreateXML(int width, int height) {
     TRACE_ENTER();
-    m_stream << "<?xml version=\"1.0\" encoding=\"UTF-8\"?> <svg width=\"" << width
-             << "\" height=\" " << height << "\" version=\"1.1\" xmlns=\"" << kSvgNamespace << "\""
-             << " xml:space=\"preserve\" >" << '\n';
+    m_out.Write("<?xml version=\"1.0\" encoding=\"UTF-8\"?> <svg width=\"", width, "\" height=\" ",
+                height, "\" version=\"1.1\" xmlns=\"", kSvgNamespace,
+                "\" xml:space=\"preserve\" >\n");
     TRACE_RETURN(true);
 }
 
 bool CMySVGWriter::Close() {
     TRACE_ENTER();
-    m_stream << "</svg>" << '\n';
+    m_out.Write("</svg>\n");
     m_clipId = 1;
     TRACE_RETURN(true);
 }
 
 QString CMySVGWriter::GetSVGOutput() {
-    m_stream.flush();
-    return m_output;
+    return QString::fromUtf8(m_out.data(), (qsizetype)m_out.size());
+}
+
+QByteArray CMySVGWriter::TakeSVGOutput() {
+    return m_out.Take();
 }
 
 bool CMySVGWriter::ConvertToValidXML(QString& text) {

@@ -1,18 +1,19 @@
 // CMySVGWriter: turns drawing operations in output coordinates into SVG 1.1 text.
 //
 // One writer serves one conversion: CreateXML opens the document, drawing operations append
-// elements through the text stream, Close writes the footer and GetSVGOutput hands the text
-// back. A style argument is SVG attribute text pasted just before "/>"; an empty style means
+// elements to it as UTF-8, Close writes the footer and TakeSVGOutput hands the bytes over. A
+// style argument is SVG attribute text (UTF-8) pasted just before "/>"; an empty style means
 // the writer's current style.
 #ifndef SVGMODULE_SVGWRITER_H
 #define SVGMODULE_SVGWRITER_H
 
+#include <QByteArray>
 #include <QString>
-#include <QTextStream>
 #include <vector>
 
 #include "MetafileStructs.h"
 #include "style/StyleMgr.h"
+#include "svg/SvgBuffer.h"
 #include "svg/TextRun.h"
 
 class CMySVGWriter {
@@ -25,7 +26,10 @@ class CMySVGWriter {
     // Document.
     bool CreateXML(int width, int height);
     bool Close();
+    // The document so far, as text.
     QString GetSVGOutput();
+    // Hands the document over as UTF-8 bytes; the writer is left empty.
+    QByteArray TakeSVGOutput();
     bool ConvertToValidXML(QString& text);
     bool SetWorldTransform(float eM11, float eM12, float eM21, float eM22, float eDx, float eDy);
     bool ModifyWorldTransform(float eM11, float eM12, float eM21, float eM22, float eDx, float eDy,
@@ -34,53 +38,54 @@ class CMySVGWriter {
 
     // Basic shapes.
     bool MoveTo(int x, int y);
-    bool DrawLine(int x1, int y1, int x2, int y2, const QString& style);
-    bool DrawLineTo(int x, int y, const QString& style);
+    bool DrawLine(int x1, int y1, int x2, int y2, const QByteArray& style);
+    bool DrawLineTo(int x, int y, const QByteArray& style);
     bool DrawPolyLine(const tagPOINT* points, unsigned int count, bool closed, bool fromCurrent,
-                      const QString& style);
+                      const QByteArray& style);
     bool DrawPolyLine(const tagPOINTS* points, unsigned int count, bool closed, bool fromCurrent,
-                      const QString& style);
-    QString GetPointsString(const tagPOINT* points, unsigned int count);
+                      const QByteArray& style);
+    QByteArray GetPointsString(const tagPOINT* points, unsigned int count);
     bool DrawPolyPolygon(const tagPOINT* points, const unsigned short* counts,
-                         unsigned int polygons, const QString& style);
-    bool DrawRect(int x, int y, int width, int height, const QString& style, int rx, int ry);
-    bool DrawCircle(int cx, int cy, int r, const QString& style);
-    bool DrawEllipse(int cx, int cy, int rx, int ry, const QString& style);
+                         unsigned int polygons, const QByteArray& style);
+    bool DrawRect(int x, int y, int width, int height, const QByteArray& style, int rx, int ry);
+    bool DrawCircle(int cx, int cy, int r, const QByteArray& style);
+    bool DrawEllipse(int cx, int cy, int rx, int ry, const QByteArray& style);
 
     // Paths and curves.
     bool StartPath();
     bool EndPath();
     bool AbortPath();
-    QString AddToPath(const tagPOINT* points, unsigned int count);
-    QString AddToPath(const QString& data);
-    QString GetPathString(const tagPOINT* points, unsigned int count);
+    // Both append to the collected path data.
+    bool AddToPath(const tagPOINT* points, unsigned int count);
+    bool AddToPath(const QByteArray& data);
+    QByteArray GetPathString(const tagPOINT* points, unsigned int count);
     bool CloseFigure();
     bool StrokePath();
     bool FillPath();
-    QString GetBzrCurveData(const tagPOINT* points, unsigned int count);
+    QByteArray GetBzrCurveData(const tagPOINT* points, unsigned int count);
     bool DrawPolyBeziers(const tagPOINT* points, unsigned int count, bool fromCurrent,
-                         const QString& style);
+                         const QByteArray& style);
     bool DrawPolyBeziers(const tagPOINTS* points, unsigned int count, bool fromCurrent,
-                         const QString& style);
+                         const QByteArray& style);
     bool DrawMixedPoly(const tagPOINT* points, const unsigned char* types, unsigned int count,
-                       const QString& style);
+                       const QByteArray& style);
     bool DrawMixedPoly(const tagPOINTS* points, const unsigned char* types, unsigned int count,
-                       const QString& style);
+                       const QByteArray& style);
 
     // Arcs, chords and pies.
     bool DrawArc(int x1, int y1, int rx, int ry, int rotation, int large, int sweep, int x2, int y2,
-                 const QString& style);
+                 const QByteArray& style);
     bool DrawArcTo(int x1, int y1, int rx, int ry, int rotation, int large, int sweep, int x2,
-                   int y2, const QString& style);
+                   int y2, const QByteArray& style);
     bool DrawChord(int x1, int y1, int rx, int ry, int rotation, int large, int sweep, int x2,
-                   int y2, const QString& style);
+                   int y2, const QByteArray& style);
     bool DrawPie(int x1, int y1, int rx, int ry, int rotation, int large, int sweep, int x2, int y2,
-                 int cx, int cy, const QString& style);
+                 int cx, int cy, const QByteArray& style);
 
     // Text.
-    bool TextOut(const TextRun& text, tagPOINT position, tagRECT rect, const QString& style);
+    bool TextOut(const TextRun& text, tagPOINT position, tagRECT rect, const QByteArray& style);
     bool MetaTextOut(const TextRun& text, tagPOINT position, const char* extra,
-                     const QString& style);
+                     const QByteArray& style);
     bool SmallTextOut(const TextRun& text, _POINTL position);
     bool GetPointOfReference(tagPOINT& point, tagRECT rect);
     bool GetTextDimensions(int& width, int& height, int& descent, const TextRun& text);
@@ -113,37 +118,45 @@ class CMySVGWriter {
     // Unit tests set the clip flag that clip-path selection sets in a conversion.
     friend class WriterTestPeer;
 
-    const QString& EffectiveStyle(const QString& style) const {
+    const QByteArray& EffectiveStyle(const QByteArray& style) const {
         return style.isEmpty() ? m_currStyle : style;
     }
-    // "x,y" of one point in path and points data.
-    static QString PointText(int x, int y);
-    // The style with one space put in front when it would otherwise run into the attribute
-    // before it (the style manager's default pen text has no leading space).
-    static QString SeparatedStyle(const QString& style);
+    // The points text of GetPointsString, written into `out`.
+    void GetPointsString(const tagPOINT* points, unsigned int count, SvgBuffer& out);
+    // The subpath text of GetPathString, written into `out`.
+    void GetPathString(const tagPOINT* points, unsigned int count, SvgBuffer& out);
+    // The curve commands of GetBzrCurveData, written into `out`.
+    void GetBzrCurveData(const tagPOINT* points, unsigned int count, SvgBuffer& out);
+    // "M", the start point and the curve commands of a poly-Bézier.
+    void WriteBezierPath(SvgBuffer& out, const tagPOINT& start, const tagPOINT* curve,
+                         unsigned int count);
+    bool AddToPath(const SvgBuffer& data);
+    // Writes the style with one space put in front when it would otherwise run into the
+    // attribute before it (the style manager's default pen text has no leading space).
+    void WriteSeparatedStyle(const QByteArray& style);
     // "C" and the three points of one cubic segment starting at `first`.
-    static QString BezierSegment(const tagPOINT* first);
-    // Appends the path data of the poly-draw point at `index`; returns how many points it took,
+    static void WriteBezierSegment(SvgBuffer& out, const tagPOINT* first);
+    // Writes the path data of the poly-draw point at `index`; returns how many points it took,
     // 0 when a curve lacks its further points.
-    static unsigned int AppendPolyDrawPoint(QString& data, const tagPOINT* points,
-                                            const unsigned char* types, unsigned int index,
-                                            unsigned int count);
-    // The start, radii, flags and relative end of an arc's path data; `separator` goes
-    // between the start point and the "a" command.
-    void WriteArcData(int x1, int y1, const char* separator, int rx, int ry, int rotation,
-                      int large, int sweep, int x2, int y2);
+    static unsigned int WritePolyDrawPoint(SvgBuffer& out, const tagPOINT* points,
+                                           const unsigned char* types, unsigned int index,
+                                           unsigned int count);
+    // The start, radii, flags and relative end of an arc's path data, a space before the "a"
+    // command when `spaced`.
+    void WriteArcData(int x1, int y1, bool spaced, int rx, int ry, int rotation, int large,
+                      int sweep, int x2, int y2);
     // Writes one text element at (x, y), inside a rotation group when the font is rotated.
     enum class TextForm { Emf, Small, Meta };
-    void WriteTextElement(TextForm form, int x, int y, const QString& style, const TextRun& text);
+    void WriteTextElement(TextForm form, int x, int y, const QByteArray& style,
+                          const TextRun& text);
     // 16-bit point lists sign-extended to 32 bits; empty for a null list.
     static std::vector<tagPOINT> WidenPoints(const tagPOINTS* points, unsigned int count);
 
-    QString m_currStyle;
-    QString m_bkColor;
-    QString m_textFill;
-    QString m_pathData;
-    QTextStream m_stream;
-    QString m_output;
+    QByteArray m_currStyle;
+    QByteArray m_bkColor;
+    QByteArray m_textFill;
+    SvgBuffer m_pathData;
+    SvgBuffer m_out;
     int m_textAlign;
     int m_curX;
     int m_curY;

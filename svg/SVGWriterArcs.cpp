@@ -8,46 +8,50 @@
 
 using geometry::Sub32;
 
-void CMySVGWriter::WriteArcData(int x1, int y1, const char* separator, int rx, int ry, int rotation,
+void CMySVGWriter::WriteArcData(int x1, int y1, bool spaced, int rx, int ry, int rotation,
                                 int large, int sweep, int x2, int y2) {
-    m_stream << "<path d=\"M" << x1 << ',' << y1 << separator << rx << ',' << ry << ' ' << rotation
-             << ' ' << large << ',' << sweep << ' ' << Sub32(x2, x1) << ',' << Sub32(y2, y1);
+    m_out.Write("<path d=\"M");
+    m_out.AppendPoint(x1, y1);
+    if (spaced) m_out.Append(' ');
+    m_out.Write('a', rx, ',', ry, ' ', rotation, ' ', large, ',', sweep, ' ');
+    m_out.AppendPoint(Sub32(x2, x1), Sub32(y2, y1));
 }
 
 bool CMySVGWriter::DrawArc(int x1, int y1, int rx, int ry, int rotation, int large, int sweep,
-                           int x2, int y2, const QString& style) {
+                           int x2, int y2, const QByteArray& style) {
     TRACE_ENTER();
-    WriteArcData(x1, y1, " a", rx, ry, rotation, large, sweep, x2, y2);
-    m_stream << "\" " << EffectiveStyle(style) << "/>" << '\n';
+    WriteArcData(x1, y1, true, rx, ry, rotation, large, sweep, x2, y2);
+    m_out.Write("\" ", EffectiveStyle(style), "/>\n");
     TRACE_RETURN(true);
 }
 
 // The arc, then the line from the current position to the arc's start; the current position
 // ends at the arc's end.
 bool CMySVGWriter::DrawArcTo(int x1, int y1, int rx, int ry, int rotation, int large, int sweep,
-                             int x2, int y2, const QString& style) {
+                             int x2, int y2, const QByteArray& style) {
     TRACE_ENTER();
-    WriteArcData(x1, y1, " a", rx, ry, rotation, large, sweep, x2, y2);
-    m_stream << "\" " << EffectiveStyle(style) << "/>" << '\n';
-    DrawLineTo(x1, y1, QString());
+    WriteArcData(x1, y1, true, rx, ry, rotation, large, sweep, x2, y2);
+    m_out.Write("\" ", EffectiveStyle(style), "/>\n");
+    DrawLineTo(x1, y1, QByteArray());
     MoveTo(x2, y2);
     TRACE_RETURN(true);
 }
 
 bool CMySVGWriter::DrawChord(int x1, int y1, int rx, int ry, int rotation, int large, int sweep,
-                             int x2, int y2, const QString& style) {
+                             int x2, int y2, const QByteArray& style) {
     TRACE_ENTER();
-    WriteArcData(x1, y1, "a", rx, ry, rotation, large, sweep, x2, y2);
-    m_stream << " z \" " << EffectiveStyle(style) << "/>" << '\n';
+    WriteArcData(x1, y1, false, rx, ry, rotation, large, sweep, x2, y2);
+    m_out.Write(" z \" ", EffectiveStyle(style), "/>\n");
     TRACE_RETURN(true);
 }
 
 // The arc, a line from its end to the centre, and the close back to its start.
 bool CMySVGWriter::DrawPie(int x1, int y1, int rx, int ry, int rotation, int large, int sweep,
-                           int x2, int y2, int cx, int cy, const QString& style) {
+                           int x2, int y2, int cx, int cy, const QByteArray& style) {
     TRACE_ENTER();
-    WriteArcData(x1, y1, "a", rx, ry, rotation, large, sweep, x2, y2);
-    m_stream << 'l' << Sub32(cx, x2) << ',' << Sub32(cy, y2) << " z \" " << EffectiveStyle(style)
-             << "/>" << '\n';
+    WriteArcData(x1, y1, false, rx, ry, rotation, large, sweep, x2, y2);
+    m_out.Write('l');
+    m_out.AppendPoint(Sub32(cx, x2), Sub32(cy, y2));
+    m_out.Write(" z \" ", EffectiveStyle(style), "/>\n");
     TRACE_RETURN(true);
 }

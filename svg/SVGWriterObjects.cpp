@@ -88,6 +88,6 @@ bool CMySVGWriter::CreateBrushI(unsigned int handle, unsigned int style, unsigne
                                 unsigned int colour) {
     TRACE_ENTER();
     if (m_styleMgr.EmfCreateBrush(handle, style, hatch, colour) == CStyleManager::kPatternMade)
-        m_stream << m_styleMgr.GetPatternDef(handle);
+        m_out.Append(m_styleMgr.GetPatternDef(handle));
     TRACE_RETURN(true);
 }

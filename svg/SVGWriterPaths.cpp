@@ -21,21 +21,26 @@ enum PolyDrawType {
 
 }  // namespace
 
-QString CMySVGWriter::BezierSegment(const tagPOINT* first) {
-    return QLatin1Char('C') + PointText(first[0].x, first[0].y) + QLatin1Char(' ') +
-           PointText(first[1].x, first[1].y) + QLatin1Char(' ') + PointText(first[2].x, first[2].y);
+void CMySVGWriter::WriteBezierSegment(SvgBuffer& out, const tagPOINT* first) {
+    out.Append('C');
+    out.AppendPoint(first[0].x, first[0].y);
+    out.Append(' ');
+    out.AppendPoint(first[1].x, first[1].y);
+    out.Append(' ');
+    out.AppendPoint(first[2].x, first[2].y);
 }
 
-QString CMySVGWriter::SeparatedStyle(const QString& style) {
-    if (style.isEmpty() || style.at(0).isSpace()) return style;
-    return QLatin1Char(' ') + style;
+void CMySVGWriter::WriteSeparatedStyle(const QByteArray& style) {
+    const char first = style.isEmpty() ? ' ' : style.at(0);
+    if (!QChar::isSpace((unsigned char)first)) m_out.Append(' ');
+    m_out.Append(style);
 }
 
 bool CMySVGWriter::StartPath() {
     TRACE_ENTER();
     m_inPath = true;
     m_clipSelected = false;
-    m_styleMgr.ExtSetClipRgn(QString());
+    m_styleMgr.ExtSetClipRgn(QByteArray());
     m_currStyle = m_styleMgr.GetCurrentStyle();
     TRACE_RETURN(true);
 }
@@ -48,73 +53,107 @@ bool CMySVGWriter::EndPath() {
 
 bool CMySVGWriter::AbortPath() {
     m_clipSelected = false;
-    m_pathData.clear();
+    m_pathData.Clear();
     return true;
 }
 
-QString CMySVGWriter::AddToPath(const tagPOINT* points, unsigned int count) {
+bool CMySVGWriter::AddToPath(const tagPOINT* points, unsigned int count) {
     TRACE_ENTER();
-    m_pathData += GetPathString(points, count);
-    TRACE_RETURN(m_pathData);
+    GetPathString(points, count, m_pathData);
+    TRACE_RETURN(true);
 }
 
-QString CMySVGWriter::AddToPath(const QString& data) {
+bool CMySVGWriter::AddToPath(const QByteArray& data) {
     TRACE_ENTER();
-    m_pathData += data;
-    TRACE_RETURN(m_pathData);
+    m_pathData.Append(data);
+    TRACE_RETURN(true);
+}
+
+bool CMySVGWriter::AddToPath(const SvgBuffer& data) {
+    TRACE_ENTER();
+    m_pathData.Append(data);
+    TRACE_RETURN(true);
+}
+
+QByteArray CMySVGWriter::GetPathString(const tagPOINT* points, unsigned int count) {
+    SvgBuffer text;
+    GetPathString(points, count, text);
+    return text.Take();
 }
 
 // A closed subpath through the points; no points give no subpath at all.
-QString CMySVGWriter::GetPathString(const tagPOINT* points, unsigned int count) {
+void CMySVGWriter::GetPathString(const tagPOINT* points, unsigned int count, SvgBuffer& out) {
     TRACE_ENTER();
-    QString text;
-    if (!points || count == 0) TRACE_RETURN(text);
-    text = QStringLiteral(" M") + PointText(points[0].x, points[0].y) + QLatin1Char(' ');
-    for (unsigned int i = 1; i < count; ++i)
-        text += QStringLiteral(" L") + PointText(points[i].x, points[i].y) + QLatin1Char(' ');
-    text += QStringLiteral(" Z");
-    TRACE_RETURN(text);
+    if (!points || count == 0) TRACE_RETURN();
+    out.Write(" M");
+    out.AppendPoint(points[0].x, points[0].y);
+    out.Append(' ');
+    for (unsigned int i = 1; i < count; ++i) {
+        out.Write(" L");
+        out.AppendPoint(points[i].x, points[i].y);
+        out.Append(' ');
+    }
+    out.Write(" Z");
+    TRACE_RETURN();
 }
 
 bool CMySVGWriter::CloseFigure() {
     TRACE_ENTER();
-    AddToPath(QStringLiteral(" L") + PointText(m_figStartX, m_figStartY) + QLatin1Char(' '));
+    SvgBuffer line;
+    line.Write(" L", m_figStartX, ',', m_figStartY, ' ');
+    AddToPath(line);
     m_figStartX = 0;
     TRACE_RETURN(true);
 }
 
 bool CMySVGWriter::StrokePath() {
     TRACE_ENTER();
-    m_stream << '\n'
-             << "<path d = \"" << m_pathData << "\"" << SeparatedStyle(m_styleMgr.GetCurrPenStyle())
-             << "/>" << '\n';
-    m_pathData.clear();
+    m_out.Write("\n<path d = \"");
+    m_out.Append(m_pathData);
+    m_out.Append('"');
+    WriteSeparatedStyle(m_styleMgr.GetCurrPenStyle());
+    m_out.Write("/>\n");
+    m_pathData.Clear();
     TRACE_RETURN(true);
 }
 
 // The brush style opens with the quote that closes the d attribute.
 bool CMySVGWriter::FillPath() {
     TRACE_ENTER();
-    m_stream << '\n'
-             << "<path d = \"" << m_pathData << m_styleMgr.GetCurrBrushStyle() << "/>" << '\n';
-    m_pathData.clear();
+    m_out.Write("\n<path d = \"");
+    m_out.Append(m_pathData);
+    m_out.Write(m_styleMgr.GetCurrBrushStyle(), "/>\n");
+    m_pathData.Clear();
     TRACE_RETURN(true);
+}
+
+QByteArray CMySVGWriter::GetBzrCurveData(const tagPOINT* points, unsigned int count) {
+    SvgBuffer text;
+    GetBzrCurveData(points, count, text);
+    return text.Take();
 }
 
 // One "C" command per complete group of three points; one or two points left over at the end
 // are not drawn.
-QString CMySVGWriter::GetBzrCurveData(const tagPOINT* points, unsigned int count) {
+void CMySVGWriter::GetBzrCurveData(const tagPOINT* points, unsigned int count, SvgBuffer& out) {
     TRACE_ENTER();
-    QString text;
-    if (!points) TRACE_RETURN(text);
-    for (unsigned int i = 0; count - i >= 3; i += 3) text += BezierSegment(points + i);
-    TRACE_RETURN(text);
+    if (!points) TRACE_RETURN();
+    for (unsigned int i = 0; count - i >= 3; i += 3) WriteBezierSegment(out, points + i);
+    TRACE_RETURN();
+}
+
+void CMySVGWriter::WriteBezierPath(SvgBuffer& out, const tagPOINT& start, const tagPOINT* curve,
+                                   unsigned int count) {
+    out.Append('M');
+    out.AppendPoint(start.x, start.y);
+    out.Append(' ');
+    GetBzrCurveData(curve, count, out);
 }
 
 // Without points there is no start (or, from the current position, no end): nothing is drawn
 // and neither the current position nor the figure start changes.
 bool CMySVGWriter::DrawPolyBeziers(const tagPOINT* points, unsigned int count, bool fromCurrent,
-                                   const QString& style) {
+                                   const QByteArray& style) {
     TRACE_ENTER();
     if (!points || count == 0) TRACE_RETURN(true);
     const tagPOINT start = fromCurrent ? tagPOINT{m_curX, m_curY} : points[0];
@@ -124,19 +163,21 @@ bool CMySVGWriter::DrawPolyBeziers(const tagPOINT* points, unsigned int count, b
         m_figStartX = start.x;
         m_figStartY = start.y;
     }
-    const QString data = QLatin1Char('M') + PointText(start.x, start.y) + QLatin1Char(' ') +
-                         GetBzrCurveData(curve, curveCount);
     if (m_inPath) {
+        SvgBuffer data;
+        WriteBezierPath(data, start, curve, curveCount);
         AddToPath(data);
     } else {
-        m_stream << "<path d=\"" << data << "\" " << EffectiveStyle(style) << "/>" << '\n';
+        m_out.Write("<path d=\"");
+        WriteBezierPath(m_out, start, curve, curveCount);
+        m_out.Write("\" ", EffectiveStyle(style), "/>\n");
     }
     if (fromCurrent) MoveTo(points[count - 1].x, points[count - 1].y);
     TRACE_RETURN(true);
 }
 
 bool CMySVGWriter::DrawPolyBeziers(const tagPOINTS* points, unsigned int count, bool fromCurrent,
-                                   const QString& style) {
+                                   const QByteArray& style) {
     TRACE_ENTER();
     const std::vector<tagPOINT> wide = WidenPoints(points, count);
     DrawPolyBeziers(wide.data(), static_cast<unsigned int>(wide.size()), fromCurrent, style);
@@ -145,25 +186,30 @@ bool CMySVGWriter::DrawPolyBeziers(const tagPOINTS* points, unsigned int count, 
 
 // A Bézier type needs the two points after it; when the list ends before them the walk stops
 // there. Types outside the published set add nothing.
-unsigned int CMySVGWriter::AppendPolyDrawPoint(QString& data, const tagPOINT* points,
-                                               const unsigned char* types, unsigned int index,
-                                               unsigned int count) {
+unsigned int CMySVGWriter::WritePolyDrawPoint(SvgBuffer& out, const tagPOINT* points,
+                                              const unsigned char* types, unsigned int index,
+                                              unsigned int count) {
     const tagPOINT& p = points[index];
     switch (types[index]) {
         case kMoveTo:
-            data += QStringLiteral(" M") + PointText(p.x, p.y);
+            out.Write(" M");
+            out.AppendPoint(p.x, p.y);
             return 1;
         case kLineTo:
-            data += QStringLiteral(" L") + PointText(p.x, p.y);
+            out.Write(" L");
+            out.AppendPoint(p.x, p.y);
             return 1;
         case kLineToClose:
-            data += QStringLiteral(" L") + PointText(p.x, p.y) + QStringLiteral(" Z ");
+            out.Write(" L");
+            out.AppendPoint(p.x, p.y);
+            out.Write(" Z ");
             return 1;
         case kBezierTo:
         case kBezierToClose:
             if (count - index < 3) return 0;
-            data += QLatin1Char(' ') + BezierSegment(points + index);
-            if (types[index] == kBezierToClose) data += QStringLiteral(" Z ");
+            out.Append(' ');
+            WriteBezierSegment(out, points + index);
+            if (types[index] == kBezierToClose) out.Write(" Z ");
             return 3;
         default:
             return 1;
@@ -171,22 +217,22 @@ unsigned int CMySVGWriter::AppendPolyDrawPoint(QString& data, const tagPOINT* po
 }
 
 bool CMySVGWriter::DrawMixedPoly(const tagPOINT* points, const unsigned char* types,
-                                 unsigned int count, const QString& style) {
+                                 unsigned int count, const QByteArray& style) {
     TRACE_ENTER();
-    QString data;
     if (!points || !types) count = 0;
+    m_out.Write("<path d=\"");
     unsigned int i = 0;
     while (i < count) {
-        const unsigned int taken = AppendPolyDrawPoint(data, points, types, i, count);
+        const unsigned int taken = WritePolyDrawPoint(m_out, points, types, i, count);
         if (taken == 0) break;
         i += taken;
     }
-    m_stream << "<path d=\"" << data << "\"  " << EffectiveStyle(style) << "/>";
+    m_out.Write("\"  ", EffectiveStyle(style), "/>");
     TRACE_RETURN(true);
 }
 
 bool CMySVGWriter::DrawMixedPoly(const tagPOINTS* points, const unsigned char* types,
-                                 unsigned int count, const QString& style) {
+                                 unsigned int count, const QByteArray& style) {
     TRACE_ENTER();
     const std::vector<tagPOINT> wide = WidenPoints(points, count);
     DrawMixedPoly(wide.data(), types, static_cast<unsigned int>(wide.size()), style);

@@ -38,31 +38,32 @@ int32_t RoundHalfUp(double v) {
 
 }  // namespace
 
-void CMySVGWriter::WriteTextElement(TextForm form, int x, int y, const QString& style,
+void CMySVGWriter::WriteTextElement(TextForm form, int x, int y, const QByteArray& style,
                                     const TextRun& text) {
-    QByteArray xml;
-    AppendXmlText(xml, text);
     const int escapement = m_styleMgr.GetEscapement();
-    if (escapement != 0)
-        m_stream << "<g transform=\"rotate(" << escapement << ' ' << x << ' ' << y << ")\">";
-    m_stream << "<text x=\"" << x << "\" y=\"" << y << '"' << style;
+    if (escapement != 0) m_out.Write("<g transform=\"rotate(", escapement, ' ', x, ' ', y, ")\">");
+    m_out.Write("<text x=\"", x, "\" y=\"", y, '"', style);
     if (form != TextForm::Meta)
-        m_stream << " font-size=\"" << m_styleMgr.GetCurrentFontHeight() << "\" ";
-    m_stream << (form == TextForm::Small ? ">" : " >") << QString::fromUtf8(xml) << "</text>"
-             << '\n';
-    if (escapement != 0) m_stream << "</g>";
+        m_out.Write(" font-size=\"", m_styleMgr.GetCurrentFontHeight(), "\" ");
+    if (form == TextForm::Small)
+        m_out.Write('>');
+    else
+        m_out.Write(" >");
+    AppendXmlText(m_out, text);
+    m_out.Write("</text>\n");
+    if (escapement != 0) m_out.Write("</g>");
 }
 
 // In any background mode but transparent a box in the background colour goes behind the text.
 bool CMySVGWriter::TextOut(const TextRun& text, tagPOINT position, tagRECT rect,
-                           const QString& style) {
+                           const QByteArray& style) {
     TRACE_ENTER();
     if (m_bkMode != kTransparent) {
-        QString background;
-        QTextStream(&background) << "fill=\"" << m_bkColor << "\" stroke=\"none\" fill-opacity=\""
-                                 << m_styleMgr.GetBkgMode() << "\" ";
+        SvgBuffer background;
+        background.Write("fill=\"", m_bkColor, "\" stroke=\"none\" fill-opacity=\"",
+                         m_styleMgr.GetBkgMode(), "\" ");
         DrawRect(rect.left, rect.top, Sub32(rect.right, rect.left), Sub32(rect.bottom, rect.top),
-                 background, 0, 0);
+                 background.Take(), 0, 0);
     }
     WriteTextElement(TextForm::Emf, position.x, position.y, style.isEmpty() ? m_textFill : style,
                      text);
@@ -70,7 +71,7 @@ bool CMySVGWriter::TextOut(const TextRun& text, tagPOINT position, tagRECT rect,
 }
 
 bool CMySVGWriter::MetaTextOut(const TextRun& text, tagPOINT position, const char*,
-                               const QString& style) {
+                               const QByteArray& style) {
     WriteTextElement(TextForm::Meta, position.x, position.y, style.isEmpty() ? m_textFill : style,
                      text);
     return true;

@@ -3,6 +3,8 @@
 #include <QChar>
 #include <cstring>
 
+#include "svg/SvgBuffer.h"
+
 namespace {
 
 bool IsHighSurrogate(uint32_t u) {
@@ -12,20 +14,20 @@ bool IsLowSurrogate(uint32_t u) {
     return u >= 0xDC00 && u < 0xE000;
 }
 
-void AppendCodePoint(QByteArray& out, uint32_t c) {
+void AppendCodePoint(SvgBuffer& out, uint32_t c) {
     switch (c) {
         case '&':
-            out += "&amp;";
+            out.Write("&amp;");
             return;
         case '<':
-            out += "&lt;";
+            out.Write("&lt;");
             return;
         case '>':
-            out += "&gt;";
+            out.Write("&gt;");
             return;
     }
     if (c < 0x80) {
-        out += (char)c;
+        out.Append((char)c);
         return;
     }
     char bytes[4];
@@ -44,7 +46,7 @@ void AppendCodePoint(QByteArray& out, uint32_t c) {
         n = 3;
     }
     bytes[n] = (char)(0x80 | (c & 0x3F));
-    out.append(bytes, n + 1);
+    out.Append(bytes, (size_t)n + 1);
 }
 
 }  // namespace
@@ -63,7 +65,7 @@ TextRun TextRun::UpToZero() const {
                    false};
 }
 
-void AppendXmlText(QByteArray& out, const TextRun& text) {
+void AppendXmlText(SvgBuffer& out, const TextRun& text) {
     for (size_t i = 0; i < text.count; ++i) {
         uint32_t c = text.at(i);
         if (IsHighSurrogate(c) && i + 1 < text.count && IsLowSurrogate(text.at(i + 1))) {

@@ -4,9 +4,10 @@
 #ifndef SVGMODULE_TEXTRUN_H
 #define SVGMODULE_TEXTRUN_H
 
-#include <QByteArray>
 #include <cstddef>
 #include <cstdint>
+
+class SvgBuffer;
 
 struct TextRun {
     const unsigned char* data = nullptr;
@@ -22,7 +23,7 @@ struct TextRun {
 // Appends the run as UTF-8 with "&", "<" and ">" escaped as the writer's XML escaping does.
 // A surrogate without its partner becomes "?", as QString::toUtf8 writes it; every other unit,
 // control characters included, is kept.
-void AppendXmlText(QByteArray& out, const TextRun& text);
+void AppendXmlText(SvgBuffer& out, const TextRun& text);
 
 // True when the run is empty or white space only (the white space QString::trimmed removes).
 bool IsBlankText(const TextRun& text);

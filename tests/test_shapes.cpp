@@ -68,11 +68,11 @@ const float kInf = std::numeric_limits<float>::infinity();
 TEST(ArcOutput, WriterFormatsEachOperation) {
     CMySVGWriter w;
     w.MoveTo(5, 5);
-    w.DrawChord(0, 10, 10, 10, 0, 1, 0, 10, 0, QString());
-    w.DrawPie(0, 10, 10, 10, 0, 1, 0, 10, 0, 0, 0, QString());
-    w.DrawArc(10, 20, 10, 10, 0, 0, 1, 30, 20, QString());
-    w.DrawArcTo(0, 10, 10, 10, 0, 0, 1, 20, -5, QString());
-    w.DrawLineTo(1, 1, QString());
+    w.DrawChord(0, 10, 10, 10, 0, 1, 0, 10, 0, {});
+    w.DrawPie(0, 10, 10, 10, 0, 1, 0, 10, 0, 0, 0, {});
+    w.DrawArc(10, 20, 10, 10, 0, 0, 1, 30, 20, {});
+    w.DrawArcTo(0, 10, 10, 10, 0, 0, 1, 20, -5, {});
+    w.DrawLineTo(1, 1, {});
     EXPECT_EQ(w.GetSVGOutput(),
               Path("M0,10a10,10 0 1,0 10,-10 z ") + Path("M0,10a10,10 0 1,0 10,-10l-10,0 z ") +
                   Path("M10,20 a10,10 0 0,1 20,0") + Path("M0,10 a10,10 0 0,1 20,-15") +

@@ -4,6 +4,7 @@
 #include <QString>
 #include <vector>
 
+#include "svg/SvgBuffer.h"
 #include "svg/TextRun.h"
 
 namespace {
@@ -31,16 +32,17 @@ TEST(TextRun, EncodesAsQStringDoes) {
     };
     for (const auto& units : cases) {
         const QString s = QString::fromUtf16(units.data(), (int)units.size());
-        QByteArray out = "prefix";
+        SvgBuffer out;
+        out.Write("prefix");
         const TextRun run{reinterpret_cast<const unsigned char*>(units.data()), units.size(), true};
         AppendXmlText(out, run);
-        EXPECT_EQ(out, "prefix" + ViaQString(s)) << s.toStdString();
+        EXPECT_EQ(out.Text(), "prefix" + ViaQString(s)) << s.toStdString();
         EXPECT_EQ(IsBlankText(run), s.trimmed().isEmpty()) << s.toStdString();
     }
     QByteArray latin1;
     for (int c = 1; c < 256; ++c) latin1 += (char)c;
-    QByteArray out;
+    SvgBuffer out;
     AppendXmlText(out, {reinterpret_cast<const unsigned char*>(latin1.constData()),
                         (size_t)latin1.size(), false});
-    EXPECT_EQ(out, ViaQString(QString::fromLatin1(latin1)));
+    EXPECT_EQ(out.Text(), ViaQString(QString::fromLatin1(latin1)));
 }

@@ -40,13 +40,13 @@ using Draw = std::function<void(CMySVGWriter&)>;
 }  // namespace
 
 TEST(WriterOutput, ShapesPathsAndCurves) {
-    const QString red = QStringLiteral(" stroke=\"red\" ");
+    const QByteArray red(" stroke=\"red\" ");
     const std::string rect = R"(<rect x="1" y="2" width="3" height="4" rx="5" ry="6" )";
     const std::vector<std::tuple<const char*, Draw, std::string>> cases = {
         {"element texts; a polyline takes the pen style, not the argument",
          [](CMySVGWriter& w) {
              const unsigned short counts[] = {3, 0, 2};  // an empty polygon adds nothing
-             w.DrawLine(10, 20, 30, 40, QString());
+             w.DrawLine(10, 20, 30, 40, QByteArray());
              w.DrawPolyLine(kP, 2, true, false, kRed);
              w.DrawPolyLine(kP + 3, 1, false, false, kRed);
              w.DrawPolyPolygon(kP, counts, 3, kRed);
@@ -71,7 +71,7 @@ TEST(WriterOutput, ShapesPathsAndCurves) {
              w.DrawPolyLine(p, 2, false, true, kRed);
              w.DrawLineTo(-1, 5, kRed);
              w.DrawPolyBeziers(kP, 5, false, kRed);
-             w.DrawPolyBeziers(q, 8, true, QString());
+             w.DrawPolyBeziers(q, 8, true, QByteArray());
              w.DrawLineTo(0, 0, kRed);
          },
          L("<polyline points=\"5,5 9,-32768 \n\" " + kPen + "/>") + Line(3, 4, 5, 5, kDefault) +
@@ -80,11 +80,11 @@ TEST(WriterOutput, ShapesPathsAndCurves) {
              Line(9, 9, 0, 0)},
         {"rect takes the clip only while a clip path is selected and the style has none",
          [&](CMySVGWriter& w) {
-             w.StyleManager().ExtSetClipRgn(QStringLiteral("ClPath1"));
+             w.StyleManager().ExtSetClipRgn(QByteArray("ClPath1"));
              w.DrawRect(1, 2, 3, 4, red, 5, 6);
              WriterTestPeer::SelectClip(w);
              w.DrawRect(1, 2, 3, 4, red, 5, 6);
-             w.DrawRect(1, 2, 3, 4, QStringLiteral(" clip-path=\"url(#X)\" "), 5, 6);
+             w.DrawRect(1, 2, 3, 4, QByteArray(" clip-path=\"url(#X)\" "), 5, 6);
              w.StartPath();  // drops the clip
              w.DrawRect(1, 2, 3, 4, red, 5, 6);
          },
@@ -150,12 +150,12 @@ TEST(WriterOutput, PolyDrawTypes) {
 TEST(WriterObjects, HatchedBrushWritesItsPatternOnceAtCreation) {
     CMySVGWriter w;
     w.CreateBrushI(5, 2, 3, 0x0000FF);
-    const QString pattern = w.StyleManager().GetPatternDef(5);
+    const QString pattern = QString::fromUtf8(w.StyleManager().GetPatternDef(5));
     ASSERT_FALSE(pattern.isEmpty());
     EXPECT_EQ(w.GetSVGOutput(), pattern);
     w.SelectObject(5);
     w.DeleteObject(5);
-    w.DrawRect(0, 0, 1, 1, QString(), 0, 0);
+    w.DrawRect(0, 0, 1, 1, QByteArray(), 0, 0);
     const QString out = w.GetSVGOutput();
     EXPECT_TRUE(out.count(pattern) == 1 && out.contains("fill=\"url(#BRUSH_1)\""))
         << out.toStdString();
@@ -174,7 +174,7 @@ TEST(WriterObjects, GeometricPenWidthGoesThroughTheWorldTransform) {
         w.CreatePen(1, style, width, 0, nullptr, 0);
         w.SelectObject(1);
         EXPECT_TRUE(w.StyleManager().GetCurrPenStyle().contains(
-            QStringLiteral("stroke-width=\"%1\"").arg(expected)))
+            "stroke-width=\"" + QByteArray::number(expected) + "\""))
             << expected;
     }
 }

@@ -22,7 +22,8 @@ tagWMR ReadPrefix(const unsigned char* p, int (*normalise)(tagWMR*, const unsign
 }  // namespace
 
 WMF2SVGConverter::WMF2SVGConverter()
-    : m_recordNames(),
+    : m_handlers(nullptr),
+      m_recordNames(nullptr),
       m_picWidth(0),
       m_winExtX(0),
       m_winOrgX(0),
@@ -41,7 +42,11 @@ QString WMF2SVGConverter::GetOutSVG() {
     return m_writer.GetSVGOutput();
 }
 
-int WMF2SVGConverter::ConvertWMFToSVG(unsigned char* records, unsigned long total,
+QByteArray WMF2SVGConverter::TakeOutSVG() {
+    return m_writer.TakeSVGOutput();
+}
+
+int WMF2SVGConverter::ConvertWMFToSVG(const unsigned char* records, unsigned long total,
                                       unsigned long maxRecord, CLogger& log) {
     TRACE_ENTER();
     if (!records) TRACE_RETURN(0);
@@ -70,7 +75,7 @@ int WMF2SVGConverter::ConvertWMFToSVG(unsigned char* records, unsigned long tota
     TRACE_RETURN(2);
 }
 
-void WMF2SVGConverter::WalkRecords(unsigned char* records, unsigned long total,
+void WMF2SVGConverter::WalkRecords(const unsigned char* records, unsigned long total,
                                    unsigned long maxRecord, CLogger& log) {
     // The records occupy what the headers leave of `total`. A record that does not fit, or
     // whose size is 0, ends the walk; every step advances by at least 2 bytes.
@@ -83,9 +88,12 @@ void WMF2SVGConverter::WalkRecords(unsigned char* records, unsigned long total,
         if (wmr.rdSize > maxRecord || wmr.rdSize == 0) break;
         const uint64_t size = (uint64_t)wmr.rdSize * 2;
         if (!records::Fits(pos, size, end)) break;
-        unsigned char* copy = m_recordCopy.Fill(records + pos, size);
         count += size;
         if (count >= total || wmr.rdFunction == kMetaEof) break;
+        // A record without a handler is only named: its prefix is all that is read of it.
+        const HandlerEntry* entry = HandlerFor(wmr.rdFunction);
+        unsigned char* copy = entry ? m_recordCopy.Fill(records + pos, size, entry->fixed)
+                                    : m_recordCopy.Fill(records + pos, sizeof(tagWMR), 0);
         HandleWMFRecordData(copy, (unsigned int)size, log);
         if (++recordNumber == 0) break;
         pos += size;
@@ -97,11 +105,11 @@ int WMF2SVGConverter::HandleWMFRecordData(unsigned char* record, unsigned int si
     TRACE_ENTER();
     if (size == 0) TRACE_RETURN(0);
     const tagWMR wmr = ReadPrefix(record, InitMETARECORD);
-    const auto it = m_handlers.find(wmr.rdFunction);
-    if (it == m_handlers.end()) {
+    const HandlerEntry* entry = HandlerFor(wmr.rdFunction);
+    if (!entry) {
         log.LogString(RecordName(wmr.rdFunction));
         TRACE_RETURN(1);
     }
-    const int result = (this->*(it->second))(record, size);
+    const int result = (this->*(entry->handler))(record, size);
     TRACE_RETURN(result);
 }

@@ -1,8 +1,8 @@
 // WMF2SVGConverter: the WMF record interpreter with its handle table.
 //
 // The entry point checks the headers, calls InitializeCoordinates, then ConvertWMFToSVG with
-// the first record, and collects the text with GetOutSVG. Handlers receive a private,
-// zero-padded copy of their record (records::kRecordPadding zero bytes follow it).
+// the first record, and collects the text with TakeOutSVG. Handlers receive a private copy of
+// their record, zero-filled up to the fixed fields their table entry names.
 #ifndef SVGMODULE_WMF2SVG_H
 #define SVGMODULE_WMF2SVG_H
 
@@ -20,6 +20,14 @@ class WMF2SVGConverter {
     typedef int (WMF2SVGConverter::*Handler)(unsigned char* record, unsigned int size);
 
     static const unsigned int kNameTableSize = 4000;
+    static const unsigned int kHandlerTableSize = 0x1000;
+
+    // One entry of the handler table.
+    struct HandlerEntry {
+        Handler handler = nullptr;
+        // Bytes of fixed fields the handler reads; a shorter record is zero-filled up to them.
+        size_t fixed = records::kRecordPadding;
+    };
 
     // One slot of the WMF object table.
     struct tagHandle {
@@ -35,15 +43,17 @@ class WMF2SVGConverter {
     // `records` is the first record after the headers; `total` the file's byte count with the
     // headers; `maxRecord` the header's largest record size in words. Returns 2, 0 (null
     // records) or -1 (exception during the walk).
-    int ConvertWMFToSVG(unsigned char* records, unsigned long total, unsigned long maxRecord,
+    int ConvertWMFToSVG(const unsigned char* records, unsigned long total, unsigned long maxRecord,
                         CLogger& log);
     int HandleWMFRecordData(unsigned char* record, unsigned int size, CLogger& log);
     void InitWMFRecHandlers();
     void InitWMFText();
     QString GetOutSVG();
+    // The document as UTF-8, handed over without a copy; the converter keeps no text.
+    QByteArray TakeOutSVG();
 
     const char* RecordName(unsigned int function) const {
-        return function < kNameTableSize ? m_recordNames[function] : nullptr;
+        return function < kNameTableSize && m_recordNames ? m_recordNames[function] : nullptr;
     }
 
     // Coordinates.
@@ -57,7 +67,7 @@ class WMF2SVGConverter {
     CMySVGWriter& Writer() { return m_writer; }
 
   private:
-    void WalkRecords(unsigned char* records, unsigned long total, unsigned long maxRecord,
+    void WalkRecords(const unsigned char* records, unsigned long total, unsigned long maxRecord,
                      CLogger& log);
     short MapAxis(short v, int16_t windowOrg, float factor) const;
 
@@ -91,10 +101,17 @@ class WMF2SVGConverter {
     void DrawMappedPolyLine(const unsigned char* record, unsigned int size, bool closed);
     tagRECT MapEdges(const tagWMRELLIPSE& record);
 
-    std::map<unsigned int, Handler> m_handlers;
+    // The handler of a record function, or null.
+    const HandlerEntry* HandlerFor(unsigned int function) const {
+        return function < kHandlerTableSize && m_handlers[function].handler ? &m_handlers[function]
+                                                                            : nullptr;
+    }
+    static const HandlerEntry* HandlerTable();
+
+    const HandlerEntry* m_handlers;  // kHandlerTableSize entries, shared by all converters
     std::map<int, tagHandle> m_handles;
-    std::set<int> m_freeSlots;  // keys of m_handles whose free flag is set
-    const char* m_recordNames[kNameTableSize];
+    std::set<int> m_freeSlots;         // keys of m_handles whose free flag is set
+    const char* const* m_recordNames;  // kNameTableSize entries, shared by all converters
     CMySVGWriter m_writer;
     records::RecordBuffer m_recordCopy;
 

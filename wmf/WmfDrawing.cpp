@@ -34,7 +34,7 @@ void WMF2SVGConverter::DrawMappedPolyLine(const unsigned char* record, unsigned 
         points[i].x = MapX(points[i].x);
         points[i].y = MapY(points[i].y);
     }
-    m_writer.DrawPolyLine(points, count, closed, false, QString());
+    m_writer.DrawPolyLine(points, count, closed, false, QByteArray());
 }
 
 int WMF2SVGConverter::OnMetaMove(unsigned char* record, unsigned int size) {
@@ -49,7 +49,7 @@ int WMF2SVGConverter::OnMetaLineTo(unsigned char* record, unsigned int size) {
     TRACE_ENTER();
     if (size == 0) TRACE_RETURN(0);
     const tagWMRLINETO r = ReadWmfRecord(record, InitWMRLINETO);
-    m_writer.DrawLineTo(MapX(r.x), MapY(r.y), QString());
+    m_writer.DrawLineTo(MapX(r.x), MapY(r.y), QByteArray());
     TRACE_RETURN(1);
 }
 
@@ -96,7 +96,8 @@ int WMF2SVGConverter::OnMetaPolyPolygon(unsigned char* record, unsigned int size
             points.push_back(tagPOINT{MapX(p.x), MapY(p.y)});
         }
     }
-    m_writer.DrawPolyPolygon(points.data(), counts.data(), (unsigned int)counts.size(), QString());
+    m_writer.DrawPolyPolygon(points.data(), counts.data(), (unsigned int)counts.size(),
+                             QByteArray());
     TRACE_RETURN(1);
 }
 
@@ -104,8 +105,8 @@ int WMF2SVGConverter::OnMetaRectangle(unsigned char* record, unsigned int size) 
     TRACE_ENTER();
     if (size == 0) TRACE_RETURN(0);
     const tagRECT box = MapEdges(ReadWmfRecord(record, InitWMRELLIPSE));
-    m_writer.DrawRect(box.left, box.top, box.right - box.left, box.bottom - box.top, QString(), 0,
-                      0);
+    m_writer.DrawRect(box.left, box.top, box.right - box.left, box.bottom - box.top, QByteArray(),
+                      0, 0);
     TRACE_RETURN(1);
 }
 
@@ -118,9 +119,9 @@ int WMF2SVGConverter::OnMetaEllipse(unsigned char* record, unsigned int size) {
     const int cx = box.left + rx;
     const int cy = box.top + ry;
     if (rx == ry)
-        m_writer.DrawCircle(cx, cy, rx, QString());
+        m_writer.DrawCircle(cx, cy, rx, QByteArray());
     else
-        m_writer.DrawEllipse(cx, cy, rx, ry, QString());
+        m_writer.DrawEllipse(cx, cy, rx, ry, QByteArray());
     TRACE_RETURN(1);
 }
 

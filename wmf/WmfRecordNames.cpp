@@ -1,5 +1,7 @@
 // The WMF record names written to the record log, with their padding.
 #define TRACE_FILE "Wmf2SVG"
+#include <array>
+
 #include "api/Trace.h"
 #include "wmf/Wmf2SVG.h"
 
@@ -85,6 +87,12 @@ const NamedRecord kWmfRecordNames[] = {
 void WMF2SVGConverter::InitWMFText() {
     TRACE_ENTER();
     LOG_INFO("Setup WMF record names buffer");
-    for (const NamedRecord& entry : kWmfRecordNames) m_recordNames[entry.function] = entry.name;
+    // The name table is made once and shared by every converter.
+    static const std::array<const char*, kNameTableSize> table = [] {
+        std::array<const char*, kNameTableSize> names{};
+        for (const NamedRecord& entry : kWmfRecordNames) names[entry.function] = entry.name;
+        return names;
+    }();
+    m_recordNames = table.data();
     TRACE_RETURN();
 }

@@ -1,0 +1,36 @@
+#include "svg/SvgBuffer.h"
+
+#include <limits>
+#include <new>
+
+namespace {
+// The first allocation; later ones grow by half of what is held.
+const size_t kInitialCapacity = 256;
+}  // namespace
+
+void SvgBuffer::Grow(size_t more) {
+    const size_t held = (size_t)m_data.size();
+    const size_t limit = (size_t)std::numeric_limits<qsizetype>::max() / 2;
+    if (more > limit - m_size) throw std::bad_alloc();
+    size_t capacity = held < kInitialCapacity ? kInitialCapacity : held + held / 2;
+    if (capacity > limit) capacity = limit;
+    if (capacity < m_size + more) capacity = m_size + more;
+    // Reserving first makes the capacity exactly what is asked (resize alone may round it up);
+    // growing keeps the bytes held, and the new room is written before it is read.
+    m_data.reserve((qsizetype)capacity);
+    m_data.resize((qsizetype)capacity);
+}
+
+void SvgBuffer::AppendReal(double value) {
+    // Qt's 'g' formatting of six significant digits is what a default text stream writes.
+    Append(QByteArray::number(value, 'g', 6));
+}
+
+QByteArray SvgBuffer::Take() {
+    m_data.resize((qsizetype)m_size);
+    m_data.squeeze();  // shrinks in place: the spare room is not handed to the caller
+    m_size = 0;
+    QByteArray text;
+    text.swap(m_data);
+    return text;
+}
