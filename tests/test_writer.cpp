@@ -163,10 +163,14 @@ TEST(WriterObjects, HatchedBrushWritesItsPatternOnceAtCreation) {
 
 TEST(WriterObjects, GeometricPenWidthGoesThroughTheWorldTransform) {
     // Pen style, width, eM11, eDx, the stroke width.
-    const std::tuple<unsigned int, unsigned int, float, float, int> cases[] = {
+    const std::tuple<unsigned int, unsigned int, float, float, unsigned int> cases[] = {
         {0x10000, 3, 1.6f, 10, 14},  // 14.8: translated, then cut toward zero
         {0x10000, 3, -1.5f, 0, 4},   // mirrored: the magnitude of -4.5 cut toward zero
         {0x00000, 3, 1.5f, 10, 3},   // cosmetic pens keep their width
+        {0x10000, 3000000000u, 1, 0, 3000000000u},  // wider than int32, unsigned as cosmetic ones
+        {0x00000, 3000000000u, 1, 0, 3000000000u},
+        {0x10000, 3000000000u, -1, 0, 3000000000u},
+        {0x10000, 3, 1e30f, 0, 4294967295u},  // stops at the unsigned limit
     };
     for (const auto& [style, width, eM11, eDx, expected] : cases) {
         CMySVGWriter w;
