@@ -252,7 +252,7 @@ TEST(EmfPaths, BracketCollectsFiguresUntilFilledStrokedOrAborted) {
 // they go and no further.
 TEST(EmfMalformed, ShortAndNoisyRecordsAreSurvived) {
     uint32_t seed = 12345;
-    for (uint32_t type = 2; type <= 95; ++type) {
+    for (uint32_t type = 2; type <= 108; ++type) {
         for (int length = 0; length <= 96; length += 4) {
             Bytes noise;
             for (int i = 0; i < length; ++i, seed = seed * 1103515245u + 12345u)
