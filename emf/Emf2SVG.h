@@ -149,6 +149,12 @@ class Emf2SvgConverter {
     int OnPie(unsigned char* record, unsigned int size);
     int OnAngleArc(unsigned char* record, unsigned int size);
     enum class ArcCall { Arc, ArcTo, Chord };
+    // The logical half sizes of a box and its centre, mapped as a position.
+    struct EllipseBox {
+        int32_t rx, ry;
+        int cx, cy;
+    };
+    EllipseBox MapEllipse(const tagRECT& box);
     void DrawArcRecord(unsigned char* record, ArcCall call);
 
     // Text (EmfText.cpp).

@@ -32,6 +32,15 @@ float Radians(double degrees) {
 
 }  // namespace
 
+Emf2SvgConverter::EllipseBox Emf2SvgConverter::MapEllipse(const tagRECT& b) {
+    EllipseBox e;
+    e.rx = HalfSpan(b.left, b.right);
+    e.ry = HalfSpan(b.top, b.bottom);
+    e.cx = MapX(Add32(b.left, e.rx), 1);
+    e.cy = MapY(Add32(b.top, e.ry), 1);
+    return e;
+}
+
 int Emf2SvgConverter::OnRectangle(unsigned char* record, unsigned int size) {
     TRACE_ENTER();
     if (IsEmptyRecord(record, size)) TRACE_RETURN(0);
@@ -61,14 +70,12 @@ int Emf2SvgConverter::OnEllipse(unsigned char* record, unsigned int size) {
     if (IsEmptyRecord(record, size)) TRACE_RETURN(0);
     tagEMRELLIPSE r = FixedCopy<tagEMRELLIPSE>(record);
     InitEMRELLIPSE(r);
-    const tagRECT& b = r.rclBox;
-    const int32_t rx = HalfSpan(b.left, b.right), ry = HalfSpan(b.top, b.bottom);
-    const int cx = MapX(Add32(b.left, rx), 1), cy = MapY(Add32(b.top, ry), 1);
-    const int mrx = MapX(rx, 0), mry = MapY(ry, 0);
-    if (mrx == mry)
-        m_writer.DrawCircle(cx, cy, mrx, {});
+    const EllipseBox e = MapEllipse(r.rclBox);
+    const int rx = MapX(e.rx, 0), ry = MapY(e.ry, 0);
+    if (rx == ry)
+        m_writer.DrawCircle(e.cx, e.cy, rx, {});
     else
-        m_writer.DrawEllipse(cx, cy, mrx, mry, {});
+        m_writer.DrawEllipse(e.cx, e.cy, rx, ry, {});
     TRACE_RETURN(1);
 }
 
@@ -122,14 +129,13 @@ int Emf2SvgConverter::OnPie(unsigned char* record, unsigned int size) {
     tagEMRARC r = FixedCopy<tagEMRARC>(record);
     InitEMRARC(r);
     const tagRECT& b = r.rclBox;
-    const int32_t rx = HalfSpan(b.left, b.right), ry = HalfSpan(b.top, b.bottom);
-    const int cx = MapX(Add32(b.left, rx), 1), cy = MapY(Add32(b.top, ry), 1);
+    const EllipseBox e = MapEllipse(b);
     const tagRECT box{MapX(b.left, 1), MapY(b.top, 1), MapX(b.right, 1), MapY(b.bottom, 1)};
     tagPOINT start, end;
     GetPointOnEllipse(box, tagPOINT{MapX(r.ptlStart.x, 1), MapY(r.ptlStart.y, 1)}, start);
     GetPointOnEllipse(box, tagPOINT{MapX(r.ptlEnd.x, 1), MapY(r.ptlEnd.y, 1)}, end);
-    const int large = IsBigArc(start, end, cx, cy) ? 1 : 0;
-    m_writer.DrawPie(start.x, start.y, rx, ry, 0, large, 0, end.x, end.y, cx, cy, {});
+    const int large = IsBigArc(start, end, e.cx, e.cy) ? 1 : 0;
+    m_writer.DrawPie(start.x, start.y, e.rx, e.ry, 0, large, 0, end.x, end.y, e.cx, e.cy, {});
     TRACE_RETURN(1);
 }
 

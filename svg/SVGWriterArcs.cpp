@@ -30,8 +30,7 @@ bool CMySVGWriter::DrawArc(int x1, int y1, int rx, int ry, int rotation, int lar
 bool CMySVGWriter::DrawArcTo(int x1, int y1, int rx, int ry, int rotation, int large, int sweep,
                              int x2, int y2, const QByteArray& style) {
     TRACE_ENTER();
-    WriteArcData(x1, y1, true, rx, ry, rotation, large, sweep, x2, y2);
-    m_out.Write("\" ", EffectiveStyle(style), "/>\n");
+    DrawArc(x1, y1, rx, ry, rotation, large, sweep, x2, y2, style);
     DrawLineTo(x1, y1, QByteArray());
     MoveTo(x2, y2);
     TRACE_RETURN(true);

@@ -64,6 +64,10 @@ Bytes Points32(std::initializer_list<std::pair<int, int>> points) {
     return b;
 }
 
+Bytes LogFontW(int32_t height, int32_t escapement, int32_t weight, const QString& face) {
+    return Bytes().i32(height).i32(0).i32(escapement).i32(0).i32(weight).zeros(8).utf16(face, 32);
+}
+
 // --- EMF -----------------------------------------------------------------------------------
 
 // 1024 x 768 device units over 320 x 240 mm: 3.2 units per mm, so a frame of 31.25 mm

@@ -183,6 +183,8 @@ class Wmf {
 // Common payloads.
 Bytes Points16(std::initializer_list<std::pair<int, int>> points);
 Bytes Points32(std::initializer_list<std::pair<int, int>> points);
+// A LOGFONTW: height, escapement (tenths of a degree), weight and face name; the rest zero.
+Bytes LogFontW(int32_t height, int32_t escapement, int32_t weight, const QString& face);
 
 }  // namespace mfb
 

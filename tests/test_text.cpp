@@ -100,18 +100,6 @@ Bytes SmallText(const QString& text, uint32_t options, uint32_t chars = ~0u) {
     if (!(options & 0x100)) b.append(U32s({1, 2, 3, 4}));
     return options & 0x200 ? b.latin1(text.toLatin1(), text.size()) : b.utf16(text, text.size());
 }
-// A logical font: height, escapement in tenths of a degree, weight 400, the face name.
-Bytes EmfFont(uint32_t handle, int32_t height, int32_t escapement, const QString& face) {
-    return Bytes()
-        .u32(handle)
-        .i32(height)
-        .i32(0)
-        .i32(escapement)
-        .i32(0)
-        .i32(400)
-        .zeros(8)
-        .utf16(face, 32);
-}
 
 }  // namespace
 
@@ -230,7 +218,8 @@ TEST(EmfText, RecordsDrawTheirCharacters) {
              Text(100, 63, QString::fromUtf8("c\0?", 3)) + SmallText(100, 50, "ab") +
              SmallText(100, 50, "")},
         {"colours, background mode, a rotated font: the point turns with it",
-         {{mfb::EMR_EXTCREATEFONTINDIRECTW, EmfFont(1, -20, 900, "Courier")},
+         {{mfb::EMR_EXTCREATEFONTINDIRECTW,
+           Bytes().u32(1).append(mfb::LogFontW(-20, 900, 400, "Courier"))},
           {mfb::EMR_SELECTOBJECT, U32s({1})},
           {mfb::EMR_SETTEXTCOLOR, U32s({0x0000FF00})},
           {mfb::EMR_SETBKCOLOR, U32s({0x000000FF})},

@@ -19,20 +19,6 @@ Bytes Box(int32_t l, int32_t t, int32_t r, int32_t b) {
     return Bytes().i32(l).i32(t).i32(r).i32(b);
 }
 
-// A logical font: height in pixels (negative: the character height), escapement in tenths of
-// a degree, weight, face name.
-Bytes Font(uint32_t handle, int32_t height, int32_t escapement, int32_t weight, const char* face) {
-    return Bytes()
-        .u32(handle)
-        .i32(height)
-        .i32(0)
-        .i32(escapement)
-        .i32(0)
-        .i32(weight)
-        .zeros(8)
-        .utf16(QString::fromLatin1(face), 32);
-}
-
 // EMR_EXTTEXTOUTW: the text at (x, y), top-left aligned, in a box of w x h.
 Bytes Text(int32_t x, int32_t y, int32_t w, int32_t h, const char* text) {
     const QString chars = QString::fromLatin1(text);
@@ -134,12 +120,14 @@ QByteArray ExampleEmf() {
         .record(mfb::EMR_PIE, Box(320, 310, 390, 370).i32(390).i32(340).i32(355).i32(300));
     // Red bold text turned by 10 degrees, on a transparent background; blue text in a second
     // font over an opaque yellow background.
-    emf.record(mfb::EMR_EXTCREATEFONTINDIRECTW, Font(5, -24, 100, 700, "Arial"))
+    emf.record(mfb::EMR_EXTCREATEFONTINDIRECTW,
+               Bytes().u32(5).append(mfb::LogFontW(-24, 100, 700, "Arial")))
         .record(mfb::EMR_SELECTOBJECT, Bytes().u32(5))
         .record(mfb::EMR_SETTEXTCOLOR, Bytes().u32(kRed))
         .record(mfb::EMR_SETBKMODE, Bytes().u32(1))
         .record(mfb::EMR_EXTTEXTOUTW, Text(20, 395, 190, 28, "Metafile to SVG"))
-        .record(mfb::EMR_EXTCREATEFONTINDIRECTW, Font(6, -20, 0, 400, "Courier New"))
+        .record(mfb::EMR_EXTCREATEFONTINDIRECTW,
+                Bytes().u32(6).append(mfb::LogFontW(-20, 0, 400, "Courier New")))
         .record(mfb::EMR_SELECTOBJECT, Bytes().u32(6))
         .record(mfb::EMR_SETTEXTCOLOR, Bytes().u32(kBlue))
         .record(mfb::EMR_SETBKMODE, Bytes().u32(2))
