@@ -8,6 +8,7 @@ CLogger g_Logger;
 CLogger::CLogger() : m_enabled(false) {}
 
 CLogger::~CLogger() {
+    std::lock_guard<std::mutex> lock(m_mutex);
     if (m_enabled && m_file.isOpen()) {
         m_file.write("\n");
         m_file.close();
@@ -19,6 +20,7 @@ QString CLogger::DefaultFileName(const QDate& date) {
 }
 
 void CLogger::setLogging(bool enable, QString fileName) {
+    std::lock_guard<std::mutex> lock(m_mutex);
     if (m_file.isOpen()) m_file.close();
     m_enabled = enable;
     if (!enable) return;
@@ -28,12 +30,24 @@ void CLogger::setLogging(bool enable, QString fileName) {
 }
 
 void CLogger::LogString(const char* text) {
-    if (!m_enabled || !text || !m_file.isOpen()) return;
-    m_file.write(text, (qint64)std::strlen(text));
-    m_file.write("\n");
+    if (!m_enabled || !text) return;
+    Write(text, std::strlen(text), true);
 }
 
 void CLogger::WriteText(const char* text) {
-    if (!m_enabled || !text || !m_file.isOpen()) return;
-    m_file.write(text, (qint64)std::strlen(text));
+    if (!m_enabled || !text) return;
+    Write(text, std::strlen(text), false);
+}
+
+void CLogger::Write(const char* text, size_t length, bool newline) {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    if (!m_enabled || !m_file.isOpen()) return;
+    if (!newline) {
+        m_file.write(text, (qint64)length);
+        return;
+    }
+    // One write per line: the name and its line feed reach the file together.
+    QByteArray line(text, (qsizetype)length);
+    line += '\n';
+    m_file.write(line);
 }

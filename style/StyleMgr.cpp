@@ -104,7 +104,8 @@ CStyleManager::CStyleManager()
       m_fontDescent(kFontDefaultDescent),
       m_fontWeight(0),
       // No EMF font yet: DEVICE_DEFAULT_FONT then stands for itself and selects nothing.
-      m_lastFontHandle(kStockDeviceDefaultFont) {
+      m_lastFontHandle(kStockDeviceDefaultFont),
+      m_currentStyleMerged(false) {
     TRACE_ENTER();
     for (int i = 0; i < hatch::kStyleCount; ++i) m_hatchTemplates[i] = hatch::Template(i);
     RebuildPenStyle();
@@ -188,36 +189,47 @@ int CStyleManager::EmfSelectObject(unsigned long handle) {
     // A handle without an entry is looked up without making one: it acts as a stock object.
     const auto it = m_objects.find(Key(h));
     const int kind = it == m_objects.end() ? KindEmpty : it->second.kind;
+    bool changed = false;
     switch (kind) {
         case KindPen:
-            m_penStyle = it->second.style;
-            RebuildPenStyle();
+            changed = SetPenStyle(it->second.style);
             break;
         case KindBrush:
-            m_brushStyle =
-                it->second.style.isEmpty() ? QByteArray(" fill=\"none\" ") : it->second.style;
-            RebuildBrushStyle();
+            changed = SetBrushStyle(it->second.style.isEmpty() ? QByteArray(" fill=\"none\" ")
+                                                               : it->second.style);
             break;
         case KindFont:
             SelectFont(Key(h), it->second.style);
             RebuildTextStyle();
             break;
         default:
-            SelectStockObject(h);
+            changed = SelectStockObject(h);
             break;
     }
-    RebuildCurrentStyle();
+    // The merge depends on the pen, brush and clip texts alone: a selection that changed
+    // neither text leaves it as the last merge made it.
+    if (changed || !m_currentStyleMerged) RebuildCurrentStyle();
     TRACE_RETURN(0);
 }
 
-void CStyleManager::SelectStockObject(unsigned int handle) {
-    if (const char* brush = StockBrushText(handle)) {
-        m_brushStyle = QByteArray(brush);
-        RebuildBrushStyle();
-    } else if (handle == kStockNullPen) {
-        m_penStyle = QByteArray(" stroke=\"none\" ");
-        RebuildPenStyle();
-    }
+bool CStyleManager::SelectStockObject(unsigned int handle) {
+    if (const char* brush = StockBrushText(handle)) return SetBrushStyle(QByteArray(brush));
+    if (handle == kStockNullPen) return SetPenStyle(QByteArray(" stroke=\"none\" "));
+    return false;
+}
+
+bool CStyleManager::SetPenStyle(const QByteArray& text) {
+    if (text == m_penStyle) return false;
+    m_penStyle = text;
+    RebuildPenStyle();
+    return true;
+}
+
+bool CStyleManager::SetBrushStyle(const QByteArray& text) {
+    if (text == m_brushStyle) return false;
+    m_brushStyle = text;
+    RebuildBrushStyle();
+    return true;
 }
 
 void CStyleManager::SelectFont(int key, const QByteArray& text) {
@@ -243,6 +255,7 @@ void CStyleManager::RebuildCurrentStyle() {
     s += m_brushStyle;
     s += m_clipAttr;
     m_currentStyle = s;
+    m_currentStyleMerged = true;
 }
 
 int CStyleManager::EmfDeleteObject(unsigned int handle) {

@@ -86,8 +86,12 @@ class CStyleManager {
     void RebuildPenStyle();
     void RebuildBrushStyle();
     void RebuildTextStyle();
-    // Applies a selected stock object; unknown handles change nothing.
-    void SelectStockObject(unsigned int handle);
+    // Applies a selected stock object; unknown handles change nothing. True when the pen or
+    // brush text changed.
+    bool SelectStockObject(unsigned int handle);
+    // Take a new pen or brush text; true when it differs from the one held.
+    bool SetPenStyle(const QByteArray& text);
+    bool SetBrushStyle(const QByteArray& text);
     // Makes the font under `key` the selected one, metrics included.
     void SelectFont(int key, const QByteArray& text);
 
@@ -123,6 +127,9 @@ class CStyleManager {
     QByteArray m_penComposed;
     QByteArray m_brushComposed;
     QByteArray m_textComposed;
+    // The current style has been merged from pen and brush at least once (the initial one is
+    // not such a merge).
+    bool m_currentStyleMerged;
 };
 
 #endif

@@ -6,6 +6,8 @@
 #include <tuple>
 #include <vector>
 
+#include <QTextStream>
+
 #include "TestUtil.h"
 #include "svg/SVGWriter.h"
 
@@ -180,5 +182,23 @@ TEST(WriterObjects, GeometricPenWidthGoesThroughTheWorldTransform) {
         EXPECT_TRUE(w.StyleManager().GetCurrPenStyle().contains(
             "stroke-width=\"" + QByteArray::number(expected) + "\""))
             << expected;
+    }
+}
+
+// Numbers print as a text stream prints them: integers plain, reals with six significant
+// digits, halves away from zero, no negative zero.
+TEST(WriterOutput, NumbersPrintAsATextStreamDoes) {
+    SvgBuffer out;
+    out.Write(0, ' ', -7, ' ', INT64_MIN, ' ', UINT64_MAX, ' ', 3000000000u, ' ', 'x');
+    EXPECT_EQ(out.Text().toStdString(),
+              "0 -7 -9223372036854775808 18446744073709551615 3000000000 x");
+    const double reals[] = {0.0,  -0.0,      0.5,       1e-05,      123456.7, 1234567.0,  -3.25,
+                            1e21, 3959.125f, 734512.5f, 8612105.0f, 0.1f,     -78998.25f, 1e-300};
+    for (double v : reals) {
+        QString expected;
+        QTextStream(&expected) << v;
+        SvgBuffer real;
+        real.AppendReal(v);
+        EXPECT_EQ(real.Text(), expected.toLatin1()) << v;
     }
 }
