@@ -3,9 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QString>
-#include <QTextStream>
 #include <algorithm>
-#include <cmath>
 #include <vector>
 
 #include "svg/SVGWriter.h"
@@ -151,29 +149,6 @@ TEST(TextOutput, WriterTextElements) {
                   Text(1, 2, "", kFill, " >") +
                   "</g><line x1=\"0\" y1 = \"0\" x2 =\"1\" y2=\"1\"  stroke=\"black\" "
                   "stroke-width=\"1\" fill=\"none\"/>\n");
-}
-
-// The opacity of the background box is printed as a text stream prints reals.
-TEST(TextOutput, RealsPrintAsATextStreamDoes) {
-    const double values[] = {0,        -0.0,   0.5,      1e-05,     123456.7, 1234567,
-                             -2.5,     1e100,  1e-40,    2.0 / 3,   12345.65, 0.0001,
-                             999999.5, 5e-324, INFINITY, -INFINITY, NAN};
-    for (double v : values) {
-        for (bool single : {false, true}) {
-            QString expected;
-            QTextStream stream(&expected);
-            SvgBuffer out;
-            if (single) {
-                stream << (float)v;
-                out.Write((float)v);
-            } else {
-                stream << v;
-                out.Write(v);
-            }
-            stream.flush();
-            EXPECT_EQ(out.Text(), expected.toUtf8()) << v << " " << single;
-        }
-    }
 }
 
 // EMF text records end to end in both byte orders: where the point lands, what is drawn from

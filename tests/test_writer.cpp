@@ -1,6 +1,7 @@
 // Writer output for shapes, paths, curves, poly-draw lists and object records.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <functional>
 #include <string>
 #include <tuple>
@@ -192,8 +193,9 @@ TEST(WriterOutput, NumbersPrintAsATextStreamDoes) {
     out.Write(0, ' ', -7, ' ', INT64_MIN, ' ', UINT64_MAX, ' ', 3000000000u, ' ', 'x');
     EXPECT_EQ(out.Text().toStdString(),
               "0 -7 -9223372036854775808 18446744073709551615 3000000000 x");
-    const double reals[] = {0.0,  -0.0,      0.5,       1e-05,      123456.7, 1234567.0,  -3.25,
-                            1e21, 3959.125f, 734512.5f, 8612105.0f, 0.1f,     -78998.25f, 1e-300};
+    const double reals[] = {0.0,        -0.0,   0.5,       1e-05,     123456.7,   1234567.0,
+                            -3.25,      1e21,   3959.125f, 734512.5f, 8612105.0f, 0.1f,
+                            -78998.25f, 1e-300, INFINITY,  -INFINITY, NAN,        -NAN};
     for (double v : reals) {
         QString expected;
         QTextStream(&expected) << v;
