@@ -44,7 +44,11 @@ save() {
     mkdir -p "$out"
     corpus=$(cd "$corpus" && pwd)
     out=$(cd "$out" && pwd)
-    export BIN=$bin CORPUS_ROOT=$corpus OUT_ROOT=$out LIMIT=$limit LIBLOGGING_LEVEL=OFF
+    # The library's own bytes: a command line that adjusts its output for SVG clients by
+    # default has --exact to leave them alone.
+    local exact=""
+    "$bin" --help 2>/dev/null | grep -q -- "--exact" && exact=--exact
+    export BIN=$bin CORPUS_ROOT=$corpus OUT_ROOT=$out LIMIT=$limit LIBLOGGING_LEVEL=OFF EXACT=$exact
     # One conversion per input: NAME.svg and NAME.status under OUT_ROOT.
     # shellcheck disable=SC2016
     find "$corpus" -type f \( -iname '*.emf' -o -iname '*.wmf' \) -print0 | sort -z |
@@ -52,7 +56,7 @@ save() {
             rel=${1#"$CORPUS_ROOT"/}
             dest=$OUT_ROOT/$rel
             mkdir -p "$(dirname "$dest")"
-            timeout "$LIMIT" "$BIN" "$1" -o "$dest.svg" >/dev/null 2>"$dest.stderr"
+            timeout "$LIMIT" "$BIN" $EXACT "$1" -o "$dest.svg" >/dev/null 2>"$dest.stderr"
             rc=$?
             { echo "exit $rc"; sed "s|$CORPUS_ROOT/||g" "$dest.stderr"; } >"$dest.status"
             rm -f "$dest.stderr"

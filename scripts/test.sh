@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
 # Runs the whole test suite on a fresh Debian 12 machine, installing what is missing:
-#  1. Qt 6 build, unit tests (ctest);
-#  2. AddressSanitizer + UndefinedBehaviorSanitizer build, unit tests and a sweep over
+#  1. Qt 6 build, unit tests (ctest) with the command line's and the installation's tests;
+#  2. the Debian packages, built with CPack and checked with dpkg-deb;
+#  3. AddressSanitizer + UndefinedBehaviorSanitizer build, unit tests and a sweep over
 #     ../shared/corpus (when present);
-#  3. Qt 5.15 build and unit tests;
-#  4. the libFuzzer target built with clang and run briefly over the corpus and examples.
+#  4. Qt 5.15 build and unit tests;
+#  5. the libFuzzer target built with clang and run briefly over the corpus and examples.
 # scripts/test.sh --quick runs step 1 only.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -19,6 +20,9 @@ step "Qt 6 build and unit tests"
 scripts/build.sh build -DSVGMODULE_FUZZ=OFF
 (cd build && ctest --output-on-failure -j"$jobs")
 [ $quick = 1 ] && exit 0
+
+step "Debian packages"
+scripts/package.sh build-deb
 
 step "Sanitizer build, unit tests and corpus sweep"
 scripts/build.sh build-asan -DSVGMODULE_SANITIZE=ON -DSVGMODULE_FUZZ=OFF -DSVGMODULE_BENCH=OFF

@@ -1,104 +1,186 @@
-// metafile2svg: converts one EMF or WMF file to SVG with libsvgmodule.
-#include <QByteArray>
-#include <QFile>
+// metafile2svg: converts EMF and WMF files to SVG with libsvgmodule, one file or many.
+#include <QCommandLineParser>
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QString>
 #include <cstdio>
-#include <cstring>
+#include <exception>
+#include <thread>
 
+#include "Batch.h"
+#include "Console.h"
+#include "Gallery.h"
 #include "svgmodule.h"
 
 namespace {
 
-const char kUsage[] =
-    "Usage: metafile2svg INPUT [-o OUTPUT] [--record-log FILE]\n"
-    "\n"
-    "Converts a Windows metafile (EMF, or WMF with or without the placeable header)\n"
-    "to an SVG 1.1 document.\n"
-    "\n"
-    "  -o, --output OUTPUT  write the SVG to OUTPUT (default: standard output)\n"
-    "  --record-log FILE    append the names of records without a handler to FILE\n"
-    "                       (an empty FILE names the log after today's date)\n"
-    "  -h, --help           show this help\n"
-    "  --version            show the version\n"
+const char kDescription[] =
+    "Converts Windows metafiles (EMF, or WMF with or without the placeable header) to SVG 1.1\n"
+    "documents. One input is written to standard output, or to FILE with -o; several inputs\n"
+    "and folders are converted in parallel into DIR with -O.";
+
+const char kEpilogue[] =
+    "\nBy default the documents are adjusted to open in every SVG client: the root element\n"
+    "declares the xlink namespace, and an element that carries an attribute twice keeps\n"
+    "only the last. --exact writes the library's output unchanged.\n"
     "\n"
     "Environment: LIBLOGGING_LEVEL=TRACE|INFO|WARN|FATAL|OFF sets the diagnostic level.\n"
-    "Exit status: 0 when the file converted, 1 when it did not, 2 for a usage error.\n";
+    "Exit status: 0 when every file converted, 1 when one did not, 2 for a usage error.\n";
 
-const char* StatusMeaning(int status) {
-    switch (status) {
-        case 0:
-            return "nothing converted (empty, too short or unreadable input)";
-        case -1:
-            return "the conversion ended with an exception";
-        case -2:
-            return "the EMF header's byte count differs from the file size";
-        case -3:
-            return "the WMF header was refused (not a metafile)";
-        default:
-            return "unknown status";
-    }
+const int kMaxJobs = 256;
+
+struct Options {
+    QStringList inputs;
+    QString output, outputDir, gallery, recordLog;
+    bool recursive = false, exact = false, haveRecordLog = false;
+    int jobs = 1;
+};
+
+int UsageError(const QCommandLineParser& parser, const QString& message) {
+    std::fprintf(stderr, "metafile2svg: %s\n\n%s", message.toLocal8Bit().constData(),
+                 parser.helpText().toLocal8Bit().constData());
+    return 2;
 }
 
-int UsageError(const char* message) {
-    std::fprintf(stderr, "metafile2svg: %s\n%s", message, kUsage);
-    return 2;
+int ConvertOne(const Options& options) {
+    const Job job{options.inputs.first(), QString(), options.output};
+    const JobResult result = ConvertFile(job.input, options.exact);
+    std::string message = FailureMessage(job, result);
+    if (message.empty() && options.output.isEmpty()) {
+        std::fwrite(result.svg.constData(), 1, (size_t)result.svg.size(), stdout);
+        if (std::fflush(stdout) == 0) return 0;
+        message = "metafile2svg: cannot write to standard output";
+    } else if (message.empty()) {
+        if (WriteFile(options.output, result.svg)) return 0;
+        JobResult unwritten;
+        unwritten.outcome = JobResult::NotWritten;
+        message = FailureMessage(job, unwritten);
+    }
+    std::fprintf(stderr, "%s\n", message.c_str());
+    return 1;
+}
+
+int ConvertMany(const QCommandLineParser& parser, const Options& options) {
+    std::vector<Job> jobs;
+    const QString clash = PlanJobs(options.inputs, options.recursive, options.outputDir, &jobs);
+    if (!clash.isEmpty()) return UsageError(parser, clash);
+    if (jobs.empty()) {
+        std::fprintf(stderr, "metafile2svg: no .emf or .wmf file in the folders given\n");
+        return 1;
+    }
+    BatchOptions batch;
+    batch.jobs = options.jobs;
+    batch.exact = options.exact;
+    batch.keepSvg = !options.gallery.isEmpty() && options.outputDir.isEmpty();
+    Console console(true);
+    const std::vector<JobResult> results = RunJobs(jobs, batch, console);
+    console.Finish();
+    const std::string summary = Summary(results, console.Seconds());
+    bool ok = true;
+    for (const JobResult& r : results) ok = ok && r.outcome == JobResult::Converted;
+    std::fprintf(stderr, "metafile2svg: %s\n", summary.c_str());
+    if (!options.gallery.isEmpty()) {
+        const QByteArray page = options.gallery.toLocal8Bit();
+        if (WriteGallery(options.gallery, jobs, results, summary)) {
+            std::fprintf(stderr, "metafile2svg: gallery written to %s\n", page.constData());
+        } else {
+            std::fprintf(stderr, "metafile2svg: cannot write %s\n", page.constData());
+            ok = false;
+        }
+    }
+    return ok ? 0 : 1;
+}
+
+int Run(int argc, char** argv) {
+    QCoreApplication app(argc, argv);
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QString::fromLatin1(kDescription));
+    parser.addPositionalArgument(QStringLiteral("INPUT"),
+                                 QStringLiteral("EMF or WMF files, or folders holding them."),
+                                 QStringLiteral("INPUT..."));
+    const QCommandLineOption help({"h", "help"}, "Show this help.");
+    const QCommandLineOption version("version", "Show the version.");
+    const QCommandLineOption output({"o", "output"},
+                                    "Write the SVG of the one INPUT to FILE (default: standard "
+                                    "output).",
+                                    "FILE");
+    const QCommandLineOption outputDir({"O", "output-dir"},
+                                       "Write each SVG under DIR: a file as its name with .svg "
+                                       "for its suffix, a folder's files by their path inside it.",
+                                       "DIR");
+    const QCommandLineOption recursive({"r", "recursive"}, "Descend into subfolders of folders.");
+    const QCommandLineOption jobs({"j", "jobs"},
+                                  "Convert on N threads (default: the number of cores).", "N");
+    const QCommandLineOption exact("exact", "Write the library's bytes unchanged.");
+    const QCommandLineOption gallery("gallery",
+                                     "Also write an HTML page showing every drawing with its "
+                                     "file name, size and status.",
+                                     "PAGE");
+    const QCommandLineOption recordLog("record-log",
+                                       "Append the names of records without a handler to FILE "
+                                       "(an empty FILE names the log after today's date); "
+                                       "files are then converted one at a time.",
+                                       "FILE");
+    parser.addOptions(
+        {help, version, output, outputDir, recursive, jobs, exact, gallery, recordLog});
+    if (!parser.parse(QCoreApplication::arguments())) return UsageError(parser, parser.errorText());
+    if (parser.isSet(help)) {
+        std::printf("%s%s", parser.helpText().toLocal8Bit().constData(), kEpilogue);
+        return 0;
+    }
+    if (parser.isSet(version)) {
+        std::printf("metafile2svg (libsvgmodule) 1.0.0\n");
+        return 0;
+    }
+
+    Options o;
+    o.inputs = parser.positionalArguments();
+    o.output = parser.value(output);
+    o.outputDir = parser.value(outputDir);
+    o.gallery = parser.value(gallery);
+    o.recursive = parser.isSet(recursive);
+    o.exact = parser.isSet(exact);
+    o.haveRecordLog = parser.isSet(recordLog);
+    o.recordLog = parser.value(recordLog);
+    o.jobs = (int)std::max(1u, std::thread::hardware_concurrency());
+    if (parser.isSet(jobs)) {
+        bool number = false;
+        o.jobs = parser.value(jobs).toInt(&number);
+        if (!number || o.jobs < 1 || o.jobs > kMaxJobs)
+            return UsageError(parser,
+                              QStringLiteral("-j takes a number from 1 to %1").arg(kMaxJobs));
+    }
+    // The record log is one file shared by every conversion: one file at a time keeps each
+    // file's entries together and in input order.
+    if (o.haveRecordLog) o.jobs = 1;
+
+    if (o.inputs.isEmpty()) return UsageError(parser, QStringLiteral("no input file"));
+    if (parser.isSet(outputDir) && o.outputDir.isEmpty())
+        return UsageError(parser, QStringLiteral("-O needs a folder name"));
+    if (parser.isSet(gallery) && o.gallery.isEmpty())
+        return UsageError(parser, QStringLiteral("--gallery needs a file name"));
+    const bool many = parser.isSet(outputDir) || parser.isSet(gallery) || o.inputs.size() > 1 ||
+                      QFileInfo(o.inputs.first()).isDir();
+    if (many && parser.isSet(output))
+        return UsageError(parser, QStringLiteral("-o takes one input file; use -O DIR for more"));
+    if (many && !parser.isSet(outputDir) && !parser.isSet(gallery))
+        return UsageError(parser, QStringLiteral("several inputs or a folder need -O DIR"));
+
+    if (o.haveRecordLog) EnableLogging(true, o.recordLog);
+    const int status = many ? ConvertMany(parser, o) : ConvertOne(o);
+    if (o.haveRecordLog) EnableLogging(false, QString());
+    return status;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    QString input, output, recordLog;
-    bool haveRecordLog = false;
-    for (int i = 1; i < argc; ++i) {
-        const char* arg = argv[i];
-        if (!std::strcmp(arg, "-h") || !std::strcmp(arg, "--help")) {
-            std::fputs(kUsage, stdout);
-            return 0;
-        }
-        if (!std::strcmp(arg, "--version")) {
-            std::printf("metafile2svg (libsvgmodule) 1.0.0\n");
-            return 0;
-        }
-        if (!std::strcmp(arg, "-o") || !std::strcmp(arg, "--output")) {
-            if (++i >= argc) return UsageError("-o needs a file name");
-            output = QString::fromLocal8Bit(argv[i]);
-        } else if (!std::strcmp(arg, "--record-log")) {
-            if (++i >= argc) return UsageError("--record-log needs a file name");
-            recordLog = QString::fromLocal8Bit(argv[i]);
-            haveRecordLog = true;
-        } else if (arg[0] == '-' && arg[1] != '\0') {
-            return UsageError((QByteArray("unknown option ") + arg).constData());
-        } else if (input.isEmpty()) {
-            input = QString::fromLocal8Bit(arg);
-        } else {
-            return UsageError("only one input file can be converted at a time");
-        }
+    try {
+        return Run(argc, argv);
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "metafile2svg: %s\n", e.what());
+    } catch (...) {
+        std::fprintf(stderr, "metafile2svg: internal error\n");
     }
-    if (input.isEmpty()) return UsageError("no input file");
-    if (!QFileInfo(input).isFile()) {
-        std::fprintf(stderr, "metafile2svg: %s: no such file\n", input.toLocal8Bit().constData());
-        return 1;
-    }
-
-    if (haveRecordLog) EnableLogging(true, recordLog);
-    QByteArray svg;
-    const int status = WMFToSVG(input, svg);
-    if (haveRecordLog) EnableLogging(false, QString());
-    if (status != 1 && status != 2) {
-        std::fprintf(stderr, "metafile2svg: %s: status %d: %s\n", input.toLocal8Bit().constData(),
-                     status, StatusMeaning(status));
-        return 1;
-    }
-
-    if (output.isEmpty()) {
-        std::fwrite(svg.constData(), 1, (size_t)svg.size(), stdout);
-        return std::fflush(stdout) == 0 ? 0 : 1;
-    }
-    QFile file(output);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(svg) != svg.size()) {
-        std::fprintf(stderr, "metafile2svg: cannot write %s\n", output.toLocal8Bit().constData());
-        return 1;
-    }
-    return 0;
+    return 1;
 }

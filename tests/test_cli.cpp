@@ -1,0 +1,227 @@
+// The command line: its SVG repair, its progress line, and the program run as a user runs it.
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QXmlStreamReader>
+
+#include "tests/TestUtil.h"
+#include "tools/Console.h"
+#include "tools/SvgRepair.h"
+
+namespace {
+
+const char kXlink[] = "xmlns:xlink=\"http://www.w3.org/1999/xlink\"";
+
+TEST(SvgRepair, DeclaresXlinkOnTheRootAndKeepsTheLastOfRepeatedAttributes) {
+    const std::string x = kXlink;
+    const struct {
+        std::string in, out;
+    } cases[] = {
+        {"<?xml version=\"1.0\"?> <svg width=\"1\" >\n</svg>\n",
+         "<?xml version=\"1.0\"?> <svg " + x + " width=\"1\" >\n</svg>\n"},
+        {"<svg>", "<svg " + x + ">"},
+        {"<svg " + x + "/>", "<svg " + x + "/>"},
+        {"<svg><svg/></svg>", "<svg " + x + "><svg/></svg>"},  // the root only
+        {"<g/><svg/>", "<g/><svg/>"},
+        {"<svg xmlns:xlink='other'/>", "<svg xmlns:xlink='other'/>"},
+        // Repeated attributes: every earlier one goes with the white space before it.
+        {"<g><path d=\"M1\"  stroke=\"black\"  stroke=\"none\" w=\"0\" />",
+         "<g><path d=\"M1\"  stroke=\"none\" w=\"0\" />"},
+        {"<g a=\"1\"\n a=\"2\" b='3' a=\"4\"/>", "<g b='3' a=\"4\"/>"},
+        {"<g a = \"1\" a=2 A=\"3\">", "<g a=2 A=\"3\">"},
+        {"<g t=\"x>y a=1\" u='say \"t=2\"' t=\"2\">", "<g u='say \"t=2\"' t=\"2\">"},
+        // Markup that is not a start tag passes unchanged.
+        {"<g><!-- <svg a=\"1\" a=\"2\"> --><![CDATA[<g a=\"1\" a=\"2\">]]>"
+         "<?pi a=\"1\" a=\"2\"?>a < b a=\"1\" a=\"2\"</g a=\"1\" a=\"2\">",
+         "<g><!-- <svg a=\"1\" a=\"2\"> --><![CDATA[<g a=\"1\" a=\"2\">]]>"
+         "<?pi a=\"1\" a=\"2\"?>a < b a=\"1\" a=\"2\"</g a=\"1\" a=\"2\">"},
+        {"<!DOCTYPE svg [ <!ENTITY e \"<g>\"> ]><svg a=\"1\" a=\"2\">",
+         "<!DOCTYPE svg [ <!ENTITY e \"<g>\"> ]><svg " + x + " a=\"2\">"},
+        // A tag left open is left alone.
+        {"<svg a=\"1\" a=\"2", "<svg a=\"1\" a=\"2"},
+        {"<g><h a=\"1\" a=\"2\" <!-- -->", "<g><h a=\"1\" a=\"2\" <!-- -->"},
+        {"", ""},
+    };
+    for (const auto& c : cases) {
+        const QByteArray in = QByteArray::fromStdString(c.in);
+        EXPECT_EQ(RepairSvg(in).toStdString(), c.out) << c.in;
+    }
+}
+
+TEST(Console, ProgressLineFitsAndEstimates) {
+    EXPECT_EQ(ProgressLine(0, 10, 0, 80),
+              "[........................................] 0/10   0%  0.0 files/s  -:-- left");
+    EXPECT_EQ(ProgressLine(5, 10, 10, 80),
+              "[####################....................] 5/10  50%  0.5 files/s  0:10 left");
+    EXPECT_EQ(ProgressLine(1, 4000, 1, 40).size(), 40u);
+    EXPECT_NE(ProgressLine(1, 4000, 1, 200).find("1:06:39 left"), std::string::npos);
+}
+
+struct CliRun {
+    int exitCode;
+    QString out, err;
+};
+
+CliRun Cli(const QStringList& args, const QString& folder = QString()) {
+    QProcess process;
+    if (!folder.isEmpty()) process.setWorkingDirectory(folder);
+    process.start(QStringLiteral(SVGMODULE_CLI_PATH), args);
+    process.waitForFinished(300000);
+    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+            QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
+}
+
+// The files under `folder`, relative to it, sorted.
+QStringList FilesUnder(const QString& folder) {
+    QStringList names;
+    QDirIterator it(folder, QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext()) names << QDir(folder).relativeFilePath(it.next());
+    names.sort();
+    return names;
+}
+
+QByteArray Read(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+class CommandLine : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        const QString examples = QStringLiteral(SVGMODULE_SOURCE_DIR "/examples/");
+        QDir().mkpath(In(QStringLiteral("sub")));
+        QFile::copy(examples + "example.emf", In(QStringLiteral("a.emf")));
+        QFile::copy(examples + "example.wmf", In(QStringLiteral("a.wmf")));
+        QFile::copy(examples + "example.wmf", In(QStringLiteral("sub/b.WMF")));
+        QFile junk(In(QStringLiteral("sub/junk.emf")));
+        ASSERT_TRUE(junk.open(QIODevice::WriteOnly));
+        junk.write(QByteArray(40, 'x'));
+        junk.close();
+        QFile::copy(examples + "example.emf", In(QStringLiteral("sub/notes.txt")));
+    }
+    QString In(const QString& name) const { return m_dir.filePath("in/" + name); }
+    QTemporaryDir m_dir;
+};
+
+TEST_F(CommandLine, UsageAndSingleFile) {
+    const QString a = In(QStringLiteral("a.emf"));
+    const QByteArray exact = testutil::Convert(Read(a)).svg.toUtf8();
+    const struct {
+        QStringList args;
+        int exitCode;
+        QString out, err;  // parts of standard output and error
+    } cases[] = {
+        {{"--version"}, 0, "metafile2svg (libsvgmodule) 1.0.0\n", ""},
+        {{"--help"}, 0, "--gallery <PAGE>", ""},
+        {{}, 2, "", "no input file"},
+        {{"--bogus", a}, 2, "", "Unknown option 'bogus'"},
+        {{"-j", "0", a}, 2, "", "-j takes a number from 1 to 256"},
+        {{a, a}, 2, "", "several inputs or a folder need -O DIR"},
+        {{In("sub")}, 2, "", "several inputs or a folder need -O DIR"},
+        {{"-o", "x.svg", "-O", "out", a}, 2, "", "-o takes one input file"},
+        {{"-O", "out", a, "a.emf"}, 2, "", "would both write"},
+        {{In("none.emf")}, 1, "", "none.emf: no such file"},
+        {{In("sub/junk.emf")}, 1, "", "status -3: the WMF header was refused (not a metafile)"},
+        {{a}, 0, QString::fromUtf8(RepairSvg(exact)), ""},
+        {{"--exact", a}, 0, QString::fromUtf8(exact), ""},
+    };
+    for (const auto& c : cases) {
+        const CliRun run = Cli(c.args, m_dir.path());
+        const std::string args = c.args.join(' ').toStdString();
+        EXPECT_EQ(run.exitCode, c.exitCode) << args << "\n" << run.err.toStdString();
+        EXPECT_TRUE(run.out.contains(c.out)) << args;
+        EXPECT_TRUE(run.err.contains(c.err)) << args << "\n" << run.err.toStdString();
+    }
+    EXPECT_NE(exact.indexOf("<svg width"), -1);
+    EXPECT_EQ(Cli({"-o", m_dir.filePath("one/a.svg"), a}).exitCode, 0);
+    EXPECT_EQ(Read(m_dir.filePath("one/a.svg")), RepairSvg(exact));
+}
+
+TEST_F(CommandLine, FoldersNamesSummaryAndGallery) {
+    const QString out = m_dir.filePath(QStringLiteral("out"));
+    const struct {
+        QStringList args;
+        int exitCode;
+        QStringList written;
+        QString err;
+    } cases[] = {
+        {{"-O", out, In("")}, 0, {"a.emf.svg", "a.wmf.svg"}, "2 files in"},
+        {{"-O", out, "-j", "3", "-r", In("")},
+         1,
+         {"a.emf.svg", "a.wmf.svg", "sub/b.svg"},
+         "4 files in %1 s: 3 converted\n  1 refused with status -3: the WMF header was refused"},
+        {{"-O", out, In("a.emf"), In("sub/b.WMF"), In("none.wmf"), "--record-log", "log.txt"},
+         1,
+         {"a.svg", "b.svg"},
+         "3 files in %1 s: 2 converted\n  1 not found"},
+    };
+    for (const auto& c : cases) {
+        QDir(out).removeRecursively();
+        const CliRun run = Cli(c.args, m_dir.path());
+        const std::string args = c.args.join(' ').toStdString();
+        EXPECT_EQ(run.exitCode, c.exitCode) << args << "\n" << run.err.toStdString();
+        EXPECT_EQ(FilesUnder(out), c.written) << args;
+        QString err = run.err;
+        err.replace(QRegularExpression("in [0-9.]+ s"), "in %1 s");
+        EXPECT_TRUE(err.contains(c.err)) << args << "\n" << run.err.toStdString();
+    }
+    // With the record log, files convert one at a time in input order: the EMF, then the WMF.
+    const QByteArray log = Read(m_dir.filePath(QStringLiteral("log.txt")));
+    EXPECT_GE(log.indexOf("End of File ####"), 0);
+    EXPECT_GT(log.indexOf("#Start Of File\n"), log.indexOf("End of File ####"));
+
+    // The page links the written files, or embeds the drawings when nothing is written.
+    const QString page = m_dir.filePath(QStringLiteral("page.html"));
+    EXPECT_EQ(Cli({"-O", out, "--gallery", page, "-r", In("")}).exitCode, 1);
+    const QByteArray linked = Read(page);
+    EXPECT_TRUE(linked.contains("src=\"out/sub/b.svg\"")) << linked.left(3000).constData();
+    EXPECT_TRUE(
+        linked.contains("<b>sub/junk.emf</b><br>40 B<br><span class=\"status\">refused, "
+                        "status -3"));
+    EXPECT_EQ(Cli({"--gallery", page, In("a.emf")}).exitCode, 0);
+    const QByteArray svg = RepairSvg(testutil::Convert(Read(In("a.emf"))).svg.toUtf8());
+    EXPECT_TRUE(Read(page).contains("src=\"data:image/svg+xml;base64," + svg.toBase64()));
+}
+
+// Documents that fail to parse with namespace processing, among the .svg files under `folder`.
+int UnparsableUnder(const QString& folder, int* total) {
+    int bad = 0;
+    *total = 0;
+    for (const QString& name : FilesUnder(folder)) {
+        QXmlStreamReader xml(Read(folder + "/" + name));
+        while (!xml.atEnd()) xml.readNext();
+        ++*total;
+        if (xml.hasError()) ++bad;
+    }
+    return bad;
+}
+
+TEST(CommandLineCorpus, EveryDefaultOutputParsesWithNamespaces) {
+    QTemporaryDir dir;
+    const QString corpus = QStringLiteral(SVGMODULE_CORPUS_DIR);
+    if (!QDir(corpus).exists()) GTEST_SKIP() << "no corpus at " SVGMODULE_CORPUS_DIR;
+    int bad[2], total[2];
+    for (int exact = 0; exact < 2; ++exact) {
+        const QString out = dir.filePath(exact ? "exact" : "default");
+        QStringList args = {"-O", out, "-j", "2", "-r", corpus};
+        if (exact) args << "--exact";
+        const CliRun run = Cli(args);
+        EXPECT_TRUE(run.exitCode == 0 || run.exitCode == 1) << run.err.toStdString();
+        EXPECT_TRUE(run.err.contains(QStringLiteral(" converted"))) << run.err.toStdString();
+        bad[exact] = UnparsableUnder(out, &total[exact]);
+        EXPECT_TRUE(run.err.contains(QStringLiteral(": %1 converted").arg(total[exact])));
+    }
+    EXPECT_GT(total[0], 200);
+    EXPECT_EQ(bad[0], 0);
+    EXPECT_EQ(total[1], total[0]);
+    std::printf("outputs that fail to parse: %d of %d with --exact, %d by default\n", bad[1],
+                total[1], bad[0]);
+}
+
+}  // namespace

@@ -1,0 +1,19 @@
+// A preview page: one HTML file that shows every drawing of a run beside its name, sizes and
+// status.
+#ifndef SVGMODULE_TOOLS_GALLERY_H
+#define SVGMODULE_TOOLS_GALLERY_H
+
+#include <QString>
+#include <string>
+#include <vector>
+
+#include "Batch.h"
+
+// Writes the page to `page`. A job with an output file is shown from that file (linked
+// relative to the page); otherwise its document, kept in the result, is embedded. Each card
+// marks itself "shown" or "broken" once the browser has tried to display its drawing, and
+// the page's tally counts them. False when the page could not be written.
+bool WriteGallery(const QString& page, const std::vector<Job>& jobs,
+                  const std::vector<JobResult>& results, const std::string& summary);
+
+#endif
