@@ -1,14 +1,13 @@
-// Text: the characters as UTF-8, escaped alike from UTF-16 and Latin-1; the writer's text
-// output; the EMF and WMF text records end to end.
+// Text: characters as UTF-8, escaped as QString would be; the reference point; the EMF and
+// WMF text records end to end in both byte orders.
 #include <gtest/gtest.h>
 
+#include <QPoint>
 #include <QString>
 #include <algorithm>
 #include <vector>
 
 #include "svg/SVGWriter.h"
-#include "svg/SvgBuffer.h"
-#include "svg/TextRun.h"
 #include "tests/MetafileBuilder.h"
 #include "tests/TestUtil.h"
 
@@ -16,16 +15,39 @@ using mfb::Bytes;
 
 namespace {
 
-// What the escaping of a QString followed by toUtf8 gives.
-QByteArray ViaQString(QString s) {
-    s.replace('&', "&amp;").replace('<', "&lt;").replace('>', "&gt;");
-    return s.toUtf8();
+// Expected output: "@" is the rest of a background box in the default colours, "~" a line feed.
+QString Out(const QString& text) {
+    return QString(text)
+        .replace('@', " rx=\"0\" ry=\"0\" fill=\"none\" stroke=\"none\" fill-opacity=\"0\" />\n")
+        .replace('~', '\n');
+}
+
+Bytes U32s(std::initializer_list<uint32_t> values) {
+    Bytes b;
+    for (uint32_t v : values) b.u32(v);
+    return b;
+}
+
+// EMR_EXTTEXTOUTW with bounds (0, 0, 40, 16); `chars` units declared, the text at `offset`.
+Bytes ExtText(const QString& text, int x = 100, int y = 50, uint32_t chars = ~0u,
+              uint32_t offset = 76, uint32_t options = 0) {
+    const uint32_t n = chars == ~0u ? (uint32_t)text.size() : chars;
+    return U32s({0, 0, 40, 16, 1, 0, 0, (uint32_t)x, (uint32_t)y, n, offset, options})
+        .append(U32s({0, 0, 0, 0, 0}))
+        .utf16(text, text.size());
+}
+// EMR_SMALLTEXTOUT at (100, 50); 8-bit characters with ETO_SMALL_CHARS (0x200), no clipping
+// rectangle with ETO_NO_RECT (0x100).
+Bytes SmallText(const QString& text, uint32_t options, uint32_t chars = ~0u) {
+    Bytes b = U32s({100, 50, chars == ~0u ? (uint32_t)text.size() : chars, options, 1, 0, 0});
+    if (!(options & 0x100)) b.append(U32s({1, 2, 3, 4}));
+    return options & 0x200 ? b.latin1(text.toLatin1(), text.size()) : b.utf16(text, text.size());
 }
 
 }  // namespace
 
-// Every unit as QString::toUtf8 converts it, lone surrogates included; blank means what
-// QString::trimmed leaves empty.
+// Every unit as ConvertToValidXML and QString::toUtf8 give it, lone surrogates included;
+// blank is what QString::trimmed leaves empty.
 TEST(TextRun, EncodesAsQStringDoes) {
     const std::vector<std::vector<char16_t>> cases = {
         {},
@@ -37,76 +59,29 @@ TEST(TextRun, EncodesAsQStringDoes) {
         {' ', '\t', 0xA0, 0x3000, 0x2028},         // blank
         {' ', 0x200B, ' '},                        // a zero-width space is not white space
     };
-    for (const auto& units : cases) {
-        const QString s = QString::fromUtf16(units.data(), (int)units.size());
-        SvgBuffer out;
-        out.Write("prefix");
-        const TextRun run{reinterpret_cast<const unsigned char*>(units.data()), units.size(), true};
-        AppendXmlText(out, run);
-        EXPECT_EQ(out.Text(), "prefix" + ViaQString(s)) << s.toStdString();
-        EXPECT_EQ(IsBlankText(run), s.trimmed().isEmpty()) << s.toStdString();
-    }
     QByteArray latin1;
     for (int c = 1; c < 256; ++c) latin1 += (char)c;
-    SvgBuffer out;
-    AppendXmlText(out, {reinterpret_cast<const unsigned char*>(latin1.constData()),
-                        (size_t)latin1.size(), false});
-    EXPECT_EQ(out.Text(), ViaQString(QString::fromLatin1(latin1)));
+    for (int i = 0; i <= (int)std::size(cases); ++i) {
+        const bool wide = i < (int)std::size(cases);
+        QString s = wide ? QString::fromUtf16(cases[i].data(), (int)cases[i].size())
+                         : QString::fromLatin1(latin1);
+        const TextRun run{wide ? reinterpret_cast<const unsigned char*>(cases[i].data())
+                               : reinterpret_cast<const unsigned char*>(latin1.constData()),
+                          wide ? cases[i].size() : (size_t)latin1.size(), wide};
+        SvgBuffer out;
+        AppendXmlText(out, run);
+        EXPECT_EQ(IsBlankText(run), s.trimmed().isEmpty()) << i;
+        CMySVGWriter().ConvertToValidXML(s);
+        EXPECT_EQ(out.Text(), s.toUtf8()) << i;
+    }
 }
 
-namespace {
-
-const QString kBox = QStringLiteral("fill=\"none\" stroke=\"none\" fill-opacity=\"0\" />\n");
-const QString kFill = QStringLiteral(" fill=\"black\"");
-
-QString Text(int x, int y, const QString& text, const QString& style = kFill,
-             const char* size = " font-size=\"14\"  >") {
-    return QString::asprintf("<text x=\"%d\" y=\"%d\"", x, y) + style + size + text + "</text>\n";
-}
-QString SmallText(int x, int y, const QString& text) {
-    return Text(x, y, text, kFill, " font-size=\"14\" >");
-}
-QString Box(int x, int y, int w, int h, const QString& style = kBox) {
-    return QString::asprintf(
-               "<rect x=\"%d\" y=\"%d\" width=\"%d\" height=\"%d\" rx=\"0\" ry=\"0\" ", x, y, w,
-               h) +
-           style;
-}
-
-Bytes U32s(std::initializer_list<uint32_t> values) {
-    Bytes b;
-    for (uint32_t v : values) b.u32(v);
-    return b;
-}
-
-// EMR_EXTTEXTOUTW with bounds (0, 0, 40, 16) at (100, 50); `chars` units declared, the text
-// at `offset` (76: right after the fixed fields).
-Bytes ExtText(const QString& text, int x = 100, int y = 50, uint32_t chars = ~0u,
-              uint32_t offset = 76, uint32_t options = 0) {
-    return U32s({0, 0, 40, 16, 1, 0, 0})
-        .i32(x)
-        .i32(y)
-        .u32(chars == ~0u ? (uint32_t)text.size() : chars)
-        .u32(offset)
-        .u32(options)
-        .append(U32s({0, 0, 0, 0, 0}))
-        .utf16(text, text.size());
-}
-// EMR_SMALLTEXTOUT at (100, 50) with `options`; 8-bit characters with ETO_SMALL_CHARS.
-Bytes SmallText(const QString& text, uint32_t options, uint32_t chars = ~0u) {
-    Bytes b = U32s({100, 50, chars == ~0u ? (uint32_t)text.size() : chars, options, 1, 0, 0});
-    if (!(options & 0x100)) b.append(U32s({1, 2, 3, 4}));
-    return options & 0x200 ? b.latin1(text.toLatin1(), text.size()) : b.utf16(text, text.size());
-}
-
-}  // namespace
-
-// Alignment moves the point by the text rectangle and the descent (3), turned with the font;
-// unknown alignments leave it.
+// The alignment moves the point by the text rectangle (41 x 16) and the descent (3), turned
+// with the font, exactly at right angles; a font turned by an odd number of right angles swaps
+// the rectangle's width and height. Unknown alignments leave the point.
 TEST(TextOutput, ReferencePointFollowsAlignmentAndRotation) {
     const struct {
-        int align, escapement;  // escapement in degrees
-        int x, y;
+        int align, escapement, x, y;  // escapement in degrees
     } cases[] = {
         {0, 0, 100, 63},  {256, 0, 100, 63}, {24, 0, 100, 50}, {6, 0, 80, 63},    {2, 0, 59, 63},
         {258, 0, 59, 63}, {8, 0, 100, 47},   {10, 0, 59, 47},  {14, 0, 80, 47},   {26, 0, 59, 50},
@@ -121,79 +96,60 @@ TEST(TextOutput, ReferencePointFollowsAlignmentAndRotation) {
         w.SetTextAlign(c.align);
         tagPOINT p{100, 50};
         w.GetPointOfReference(p, tagRECT{0, 0, 41, 16});
-        EXPECT_EQ(p.x, c.x) << c.align << " " << c.escapement;
-        EXPECT_EQ(p.y, c.y) << c.align << " " << c.escapement;
+        EXPECT_EQ(QPoint(p.x, p.y), QPoint(c.x, c.y)) << c.align << " " << c.escapement;
     }
 }
 
-// The three text operations: the opaque background box (only for EMF text), the font size
-// (not for WMF text, whose font carries its own), escaping, the rotation group.
-TEST(TextOutput, WriterTextElements) {
-    const QByteArray chars("a<b\0cd", 6);
-    const TextRun run{reinterpret_cast<const unsigned char*>(chars.constData()), 6, false};
-    CMySVGWriter w;
-    w.TextOut(run.UpToZero(), {10, 20}, {5, 6, 15, 26}, {});
-    w.SetBkMode(1);
-    w.TextOut(run.UpToZero(), {10, 20}, {5, 6, 15, 26}, " fill=\"red\"");
-    w.MetaTextOut(run, {1, 2}, nullptr, {});
-    w.SmallTextOut(run, {3, 4});
-    tagLOGFONTW font{};
-    font.lfEscapement = -450;
-    w.CreateFont(1, font);
-    w.MetaTextOut(TextRun{}, {1, 2}, nullptr, {});
-    w.DrawLine(0, 0, 1, 1, {});
-    EXPECT_EQ(w.GetSVGOutput(),
-              Box(5, 6, 10, 20) + Text(10, 20, "a&lt;b") + Text(10, 20, "a&lt;b", " fill=\"red\"") +
-                  Text(1, 2, QString::fromUtf8("a&lt;b\0cd", 9), kFill, " >") +
-                  SmallText(3, 4, "a&lt;b") + "<g transform=\"rotate(45 1 2)\">" +
-                  Text(1, 2, "", kFill, " >") +
-                  "</g><line x1=\"0\" y1 = \"0\" x2 =\"1\" y2=\"1\"  stroke=\"black\" "
-                  "stroke-width=\"1\" fill=\"none\"/>\n");
-}
-
-// EMF text records end to end in both byte orders: where the point lands, what is drawn from
-// the characters the record holds, and the state the text takes from earlier records.
+// Where the point lands, what is drawn of the characters the record holds, and the state the
+// text takes from earlier records.
 TEST(EmfText, RecordsDrawTheirCharacters) {
-    using mfb::Emf;
+    const QString courier = R"( font-family="Courier"  font-weight="400" ~ fill="#00ff00"  )";
     const struct {
-        const char* what;
         std::vector<std::pair<uint32_t, Bytes>> records;
         QString expected;
     } cases[] = {
-        {"viewport origin added after scaling; baseline alignment keeps the point",
-         {{mfb::EMR_SETTEXTALIGN, U32s({24})},
+        // With a viewport origin it is added after scaling; baseline alignment keeps the point.
+        {{{mfb::EMR_SETTEXTALIGN, U32s({24})},
           {mfb::EMR_SETWINDOWORGEX, U32s({100, 100})},
           {mfb::EMR_SETVIEWPORTORGEX, U32s({10, 20})},
           {mfb::EMR_EXTTEXTOUTW, ExtText("Hi", 150, 150)},
           {mfb::EMR_SMALLTEXTOUT, SmallText("Hi", 0x300)}},
-         Box(-100, -100, 40, 16) + Text(160, 170, "Hi") + SmallText(110, 70, "Hi")},
-        {"without a viewport origin the window origin is subtracted",
-         {{mfb::EMR_SETTEXTALIGN, U32s({24})},
+         R"(<rect x="-100" y="-100" width="40" height="16"@<text x="160" y="170" fill="black")"
+         R"( font-size="14"  >Hi</text>~<text x="110" y="70" fill="black" font-size="14" >Hi)"
+         R"(</text>~)"},
+        // Without one the window origin is subtracted.
+        {{{mfb::EMR_SETTEXTALIGN, U32s({24})},
           {mfb::EMR_SETWINDOWORGEX, U32s({100, 100})},
           {mfb::EMR_EXTTEXTOUTW, ExtText("Hi", 150, 150)}},
-         Box(-100, -100, 40, 16) + Text(50, 50, "Hi")},
-        {"top alignment; blank text is not drawn, spaces around other text are kept",
-         {{mfb::EMR_EXTTEXTOUTW, ExtText(" \t ")},
+         R"(<rect x="-100" y="-100" width="40" height="16"@<text x="50" y="50" fill="black")"
+         R"( font-size="14"  >Hi</text>~)"},
+        // Top alignment; blank text is not drawn, small text is; spaces around text stay.
+        {{{mfb::EMR_EXTTEXTOUTW, ExtText(" \t ")},
           {mfb::EMR_EXTTEXTOUTW, ExtText(" a&b ")},
           {mfb::EMR_SMALLTEXTOUT, SmallText(" ", 0x100)}},
-         Box(0, 0, 40, 16) + Text(100, 63, " a&amp;b ") + SmallText(100, 50, " ")},
-        {"small text after its clipping rectangle; 8-bit text ends at a zero byte",
-         {{mfb::EMR_SMALLTEXTOUT, SmallText("xy", 0)},
-          {mfb::EMR_SMALLTEXTOUT, SmallText(QString::fromLatin1("\xe9\0z", 3), 0x200)}},
-         SmallText(100, 50, "xy") + SmallText(100, 50, QString::fromUtf8("\xc3\xa9"))},
-        {"characters beyond the record are not read; glyph indices stay UTF-16; zero units stay",
-         {{mfb::EMR_EXTTEXTOUTW, ExtText("ab", 100, 50, 1000)},
-          {mfb::EMR_EXTTEXTOUTW, ExtText("ab", 100, 50, 2, 1000)},
-          {mfb::EMR_EXTTEXTOUTW, ExtText("", 100, 50, 0)},
+         R"(<rect x="0" y="0" width="40" height="16"@<text x="100" y="63" fill="black")"
+         R"( font-size="14"  > a&amp;b </text>~<text x="100" y="50" fill="black" font-size="14")"
+         R"( > </text>~)"},
+        // Small text after its clipping rectangle; 8-bit text ends at a zero byte. Characters
+        // past the record's end are not read; an offset past it leaves none. Glyph indices and
+        // zero units are kept; a lone surrogate is written as "?".
+        {{{mfb::EMR_SMALLTEXTOUT, SmallText("xy", 0)},
+          {mfb::EMR_SMALLTEXTOUT, SmallText(QString::fromLatin1("\xe9\0z", 3), 0x200)},
+          {mfb::EMR_SMALLTEXTOUT, SmallText("ab", 0x300, 1000)},
+          {mfb::EMR_EXTTEXTOUTW, ExtText("cd", 100, 50, 1000)},
+          {mfb::EMR_EXTTEXTOUTW, ExtText("ef", 100, 50, 2, 1000)},
           {mfb::EMR_EXTTEXTOUTW,
-           ExtText(QString::fromUtf16(u"c\0\xd800", 3), 100, 50, 3, 76, 0x10)},
-          {mfb::EMR_SMALLTEXTOUT, SmallText("ab", 0x100, 1000)},
-          {mfb::EMR_SMALLTEXTOUT, SmallText("", 0x300, 5)}},
-         Box(0, 0, 40, 16) + Text(100, 63, "ab") + Box(0, 0, 40, 16) +
-             Text(100, 63, QString::fromUtf8("c\0?", 3)) + SmallText(100, 50, "ab") +
-             SmallText(100, 50, "")},
-        {"colours, background mode, a rotated font: the point turns with it",
-         {{mfb::EMR_EXTCREATEFONTINDIRECTW,
+           ExtText(QString::fromUtf16(u"g\0\xd800", 3), 100, 50, 3, 76, 0x10)}},
+         QString(R"(<text x="100" y="50" fill="black" font-size="14" >xy</text>~)"
+                 R"(<text x="100" y="50" fill="black" font-size="14" >)") +
+             QString::fromUtf8("\xc3\xa9") +
+             R"(</text>~<text x="100" y="50" fill="black" font-size="14" >ab</text>~)"
+             R"(<rect x="0" y="0" width="40" height="16"@<text x="100" y="63" fill="black")"
+             R"( font-size="14"  >cd</text>~<rect x="0" y="0" width="40" height="16"@)"
+             R"(<text x="100" y="63" fill="black" font-size="14"  >)" +
+             QString::fromUtf8("g\0?", 3) + "</text>~"},
+        // Font, colours and background mode; the font turned by -90 degrees turns the point.
+        {{{mfb::EMR_EXTCREATEFONTINDIRECTW,
            Bytes().u32(1).append(mfb::LogFontW(-20, 900, 400, "Courier"))},
           {mfb::EMR_SELECTOBJECT, U32s({1})},
           {mfb::EMR_SETTEXTCOLOR, U32s({0x0000FF00})},
@@ -201,32 +157,26 @@ TEST(EmfText, RecordsDrawTheirCharacters) {
           {mfb::EMR_EXTTEXTOUTW, ExtText("Hi")},
           {mfb::EMR_SETBKMODE, U32s({1})},
           {mfb::EMR_EXTTEXTOUTW, ExtText("Hi")}},
-         Box(0, 0, 40, 16, "fill=\"#ff0000\" stroke=\"none\" fill-opacity=\"0\" />\n") +
-             "<g transform=\"rotate(-90 137 50)\">" +
-             Text(137, 50, "Hi",
-                  " font-family=\"Courier\"  font-weight=\"400\" \n fill=\"#00ff00\" ",
-                  " font-size=\"20\"  >") +
-             "</g><g transform=\"rotate(-90 137 50)\">" +
-             Text(137, 50, "Hi",
-                  " font-family=\"Courier\"  font-weight=\"400\" \n fill=\"#00ff00\" ",
-                  " font-size=\"20\"  >") +
-             "</g>"},
+         R"(<rect x="0" y="0" width="40" height="16" rx="0" ry="0" fill="#ff0000" stroke="none")"
+         R"x( fill-opacity="0" />~<g transform="rotate(-90 137 50)"><text x="137" y="50")x" +
+             courier + R"x(font-size="20"  >Hi</text>~</g><g transform="rotate(-90 137 50)">)x" +
+             R"(<text x="137" y="50")" + courier + R"(font-size="20"  >Hi</text>~</g>)"},
     };
     for (const auto& c : cases) {
-        Emf e;
+        mfb::Emf e;
         for (const auto& [type, payload] : c.records) e.record(type, payload);
         // The viewport origin is read in file order, unswapped, so only the stored order holds.
         const bool viewport = std::any_of(c.records.begin(), c.records.end(),
                                           [](const auto& r) { return r.first == 12; });
         EXPECT_EQ(viewport ? testutil::Body(testutil::Convert(e.build()).svg)
                            : testutil::BodyInBothByteOrders(e.build(), e.build(true, true), 1),
-                  c.expected)
-            << c.what;
+                  Out(c.expected));
     }
 }
 
 // META_EXTTEXTOUT: Latin-1 characters from their fixed place, up to a zero byte, the string
 // length or the record's end; a clipping rectangle announced by the options is read as text.
+// META_ARC draws nothing.
 TEST(WmfText, ExtTextOutDrawsLatin1Characters) {
     const auto text = [](uint16_t length, uint16_t options, const QByteArray& chars) {
         return Bytes().i16(151).i16(150).u16(length).u16(options).latin1(chars, chars.size());
@@ -236,14 +186,16 @@ TEST(WmfText, ExtTextOutDrawsLatin1Characters) {
         .record(mfb::META_EXTTEXTOUT, text(5, 0, QByteArray("He\0lo", 5)))
         .record(mfb::META_EXTTEXTOUT, text(2, 4, "ABCDEFGHxy"))
         .record(mfb::META_EXTTEXTOUT, text(200, 0, "\xe9<"))
-        .record(mfb::META_CREATEFONTINDIRECT,
-                Bytes().i16(210).zeros(8).zeros(8).latin1("Arial", 32))
+        .record(mfb::META_ARC, Bytes().zeros(16))
+        .record(mfb::META_CREATEFONTINDIRECT, Bytes().i16(210).zeros(16).latin1("Arial", 32))
         .record(mfb::META_SELECTOBJECT, Bytes().u16(0))
         .record(mfb::META_EXTTEXTOUT, text(0, 0, ""));
-    EXPECT_EQ(
-        testutil::BodyInBothByteOrders(wmf.build(), wmf.build(true, true), 2),
-        Text(10, 10, "Hello", kFill, " >") + Text(10, 10, "He", kFill, " >") +
-            Text(10, 10, "AB", kFill, " >") +
-            Text(10, 10, QString::fromUtf8("\xc3\xa9&lt;"), kFill, " >") +
-            Text(10, 10, "", " font-family=\"Arial\" font-size=\"0\"  fill=\"black\" ", " >"));
+    EXPECT_EQ(testutil::BodyInBothByteOrders(wmf.build(), wmf.build(true, true), 2),
+              Out(R"(<text x="10" y="10" fill="black" >Hello</text>~)"
+                  R"(<text x="10" y="10" fill="black" >He</text>~)"
+                  R"(<text x="10" y="10" fill="black" >AB</text>~)"
+                  R"(<text x="10" y="10" fill="black" >)" +
+                  QString::fromUtf8("\xc3\xa9") +
+                  R"(&lt;</text>~<text x="10" y="10" font-family="Arial" font-size="0"  )"
+                  R"(fill="black"  ></text>~)"));
 }
