@@ -15,11 +15,20 @@ using mfb::Bytes;
 
 namespace {
 
-// Expected output: "@" is the rest of a background box in the default colours, "~" a line feed.
-QString Out(const QString& text) {
-    return QString(text)
-        .replace('@', " rx=\"0\" ry=\"0\" fill=\"none\" stroke=\"none\" fill-opacity=\"0\" />\n")
-        .replace('~', '\n');
+// A text element: EMF text (its font size, then "  >"), small text (" >") or WMF text (no size).
+enum Form { kEmf, kSmall, kWmf };
+QString T(int x, int y, const QString& text, Form form = kEmf,
+          const QString& style = " fill=\"black\"", int size = 14) {
+    QString s = QString::asprintf("<text x=\"%d\" y=\"%d\"", x, y) + style;
+    if (form != kWmf) s += QString::asprintf(" font-size=\"%d\" ", size);
+    return s + (form == kSmall ? ">" : " >") + text + "</text>\n";
+}
+// The background box of EMF text in the default colours, or with another fill.
+QString Box(int x, int y, const char* fill = "none") {
+    return QString::asprintf(
+        "<rect x=\"%d\" y=\"%d\" width=\"40\" height=\"16\" rx=\"0\" ry=\"0\" "
+        "fill=\"%s\" stroke=\"none\" fill-opacity=\"0\" />\n",
+        x, y, fill);
 }
 
 Bytes U32s(std::initializer_list<uint32_t> values) {
@@ -103,33 +112,27 @@ TEST(TextOutput, ReferencePointFollowsAlignmentAndRotation) {
 // Where the point lands, what is drawn of the characters the record holds, and the state the
 // text takes from earlier records.
 TEST(EmfText, RecordsDrawTheirCharacters) {
-    const QString courier = R"( font-family="Courier"  font-weight="400" ~ fill="#00ff00"  )";
+    const QString courier = " font-family=\"Courier\"  font-weight=\"400\" \n fill=\"#00ff00\" ";
+    const QString turned = "<g transform=\"rotate(-90 137 50)\">";
     const struct {
         std::vector<std::pair<uint32_t, Bytes>> records;
         QString expected;
     } cases[] = {
-        // With a viewport origin it is added after scaling; baseline alignment keeps the point.
+        // Baseline alignment keeps the point. The window origin is subtracted; once a viewport
+        // origin is set, it is added after scaling instead.
         {{{mfb::EMR_SETTEXTALIGN, U32s({24})},
           {mfb::EMR_SETWINDOWORGEX, U32s({100, 100})},
+          {mfb::EMR_EXTTEXTOUTW, ExtText("Hi", 150, 150)},
           {mfb::EMR_SETVIEWPORTORGEX, U32s({10, 20})},
           {mfb::EMR_EXTTEXTOUTW, ExtText("Hi", 150, 150)},
           {mfb::EMR_SMALLTEXTOUT, SmallText("Hi", 0x300)}},
-         R"(<rect x="-100" y="-100" width="40" height="16"@<text x="160" y="170" fill="black")"
-         R"( font-size="14"  >Hi</text>~<text x="110" y="70" fill="black" font-size="14" >Hi)"
-         R"(</text>~)"},
-        // Without one the window origin is subtracted.
-        {{{mfb::EMR_SETTEXTALIGN, U32s({24})},
-          {mfb::EMR_SETWINDOWORGEX, U32s({100, 100})},
-          {mfb::EMR_EXTTEXTOUTW, ExtText("Hi", 150, 150)}},
-         R"(<rect x="-100" y="-100" width="40" height="16"@<text x="50" y="50" fill="black")"
-         R"( font-size="14"  >Hi</text>~)"},
+         Box(-100, -100) + T(50, 50, "Hi") + Box(-100, -100) + T(160, 170, "Hi") +
+             T(110, 70, "Hi", kSmall)},
         // Top alignment; blank text is not drawn, small text is; spaces around text stay.
         {{{mfb::EMR_EXTTEXTOUTW, ExtText(" \t ")},
           {mfb::EMR_EXTTEXTOUTW, ExtText(" a&b ")},
           {mfb::EMR_SMALLTEXTOUT, SmallText(" ", 0x100)}},
-         R"(<rect x="0" y="0" width="40" height="16"@<text x="100" y="63" fill="black")"
-         R"( font-size="14"  > a&amp;b </text>~<text x="100" y="50" fill="black" font-size="14")"
-         R"( > </text>~)"},
+         Box(0, 0) + T(100, 63, " a&amp;b ") + T(100, 50, " ", kSmall)},
         // Small text after its clipping rectangle; 8-bit text ends at a zero byte. Characters
         // past the record's end are not read; an offset past it leaves none. Glyph indices and
         // zero units are kept; a lone surrogate is written as "?".
@@ -140,14 +143,9 @@ TEST(EmfText, RecordsDrawTheirCharacters) {
           {mfb::EMR_EXTTEXTOUTW, ExtText("ef", 100, 50, 2, 1000)},
           {mfb::EMR_EXTTEXTOUTW,
            ExtText(QString::fromUtf16(u"g\0\xd800", 3), 100, 50, 3, 76, 0x10)}},
-         QString(R"(<text x="100" y="50" fill="black" font-size="14" >xy</text>~)"
-                 R"(<text x="100" y="50" fill="black" font-size="14" >)") +
-             QString::fromUtf8("\xc3\xa9") +
-             R"(</text>~<text x="100" y="50" fill="black" font-size="14" >ab</text>~)"
-             R"(<rect x="0" y="0" width="40" height="16"@<text x="100" y="63" fill="black")"
-             R"( font-size="14"  >cd</text>~<rect x="0" y="0" width="40" height="16"@)"
-             R"(<text x="100" y="63" fill="black" font-size="14"  >)" +
-             QString::fromUtf8("g\0?", 3) + "</text>~"},
+         T(100, 50, "xy", kSmall) + T(100, 50, QString::fromUtf8("\xc3\xa9"), kSmall) +
+             T(100, 50, "ab", kSmall) + Box(0, 0) + T(100, 63, "cd") + Box(0, 0) +
+             T(100, 63, QString::fromUtf8("g\0?", 3))},
         // Font, colours and background mode; the font turned by -90 degrees turns the point.
         {{{mfb::EMR_EXTCREATEFONTINDIRECTW,
            Bytes().u32(1).append(mfb::LogFontW(-20, 900, 400, "Courier"))},
@@ -157,10 +155,8 @@ TEST(EmfText, RecordsDrawTheirCharacters) {
           {mfb::EMR_EXTTEXTOUTW, ExtText("Hi")},
           {mfb::EMR_SETBKMODE, U32s({1})},
           {mfb::EMR_EXTTEXTOUTW, ExtText("Hi")}},
-         R"(<rect x="0" y="0" width="40" height="16" rx="0" ry="0" fill="#ff0000" stroke="none")"
-         R"x( fill-opacity="0" />~<g transform="rotate(-90 137 50)"><text x="137" y="50")x" +
-             courier + R"x(font-size="20"  >Hi</text>~</g><g transform="rotate(-90 137 50)">)x" +
-             R"(<text x="137" y="50")" + courier + R"(font-size="20"  >Hi</text>~</g>)"},
+         Box(0, 0, "#ff0000") + turned + T(137, 50, "Hi", kEmf, courier, 20) + "</g>" + turned +
+             T(137, 50, "Hi", kEmf, courier, 20) + "</g>"},
     };
     for (const auto& c : cases) {
         mfb::Emf e;
@@ -170,7 +166,7 @@ TEST(EmfText, RecordsDrawTheirCharacters) {
                                           [](const auto& r) { return r.first == 12; });
         EXPECT_EQ(viewport ? testutil::Body(testutil::Convert(e.build()).svg)
                            : testutil::BodyInBothByteOrders(e.build(), e.build(true, true), 1),
-                  Out(c.expected));
+                  c.expected);
     }
 }
 
@@ -191,11 +187,7 @@ TEST(WmfText, ExtTextOutDrawsLatin1Characters) {
         .record(mfb::META_SELECTOBJECT, Bytes().u16(0))
         .record(mfb::META_EXTTEXTOUT, text(0, 0, ""));
     EXPECT_EQ(testutil::BodyInBothByteOrders(wmf.build(), wmf.build(true, true), 2),
-              Out(R"(<text x="10" y="10" fill="black" >Hello</text>~)"
-                  R"(<text x="10" y="10" fill="black" >He</text>~)"
-                  R"(<text x="10" y="10" fill="black" >AB</text>~)"
-                  R"(<text x="10" y="10" fill="black" >)" +
-                  QString::fromUtf8("\xc3\xa9") +
-                  R"(&lt;</text>~<text x="10" y="10" font-family="Arial" font-size="0"  )"
-                  R"(fill="black"  ></text>~)"));
+              T(10, 10, "Hello", kWmf) + T(10, 10, "He", kWmf) + T(10, 10, "AB", kWmf) +
+                  T(10, 10, QString::fromUtf8("\xc3\xa9&lt;"), kWmf) +
+                  T(10, 10, "", kWmf, " font-family=\"Arial\" font-size=\"0\"  fill=\"black\" "));
 }
