@@ -64,6 +64,18 @@ Bytes Points32(std::initializer_list<std::pair<int, int>> points) {
     return b;
 }
 
+Bytes U32s(std::initializer_list<uint32_t> values) {
+    Bytes b;
+    for (uint32_t v : values) b.u32(v);
+    return b;
+}
+
+Bytes I32s(std::initializer_list<int32_t> values) {
+    Bytes b;
+    for (int32_t v : values) b.i32(v);
+    return b;
+}
+
 Bytes LogFontW(int32_t height, int32_t escapement, int32_t weight, const QString& face) {
     return Bytes().i32(height).i32(0).i32(escapement).i32(0).i32(weight).zeros(8).utf16(face, 32);
 }

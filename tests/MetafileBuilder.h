@@ -183,6 +183,9 @@ class Wmf {
 // Common payloads.
 Bytes Points16(std::initializer_list<std::pair<int, int>> points);
 Bytes Points32(std::initializer_list<std::pair<int, int>> points);
+// Runs of 32-bit fields.
+Bytes U32s(std::initializer_list<uint32_t> values);
+Bytes I32s(std::initializer_list<int32_t> values);
 // A LOGFONTW: height, escapement (tenths of a degree), weight and face name; the rest zero.
 Bytes LogFontW(int32_t height, int32_t escapement, int32_t weight, const QString& face);
 

@@ -12,6 +12,7 @@
 #include "tests/TestUtil.h"
 
 using mfb::Bytes;
+using mfb::U32s;
 
 namespace {
 
@@ -29,12 +30,6 @@ QString Box(int x, int y, const char* fill = "none") {
         "<rect x=\"%d\" y=\"%d\" width=\"40\" height=\"16\" rx=\"0\" ry=\"0\" "
         "fill=\"%s\" stroke=\"none\" fill-opacity=\"0\" />\n",
         x, y, fill);
-}
-
-Bytes U32s(std::initializer_list<uint32_t> values) {
-    Bytes b;
-    for (uint32_t v : values) b.u32(v);
-    return b;
 }
 
 // EMR_EXTTEXTOUTW with bounds (0, 0, 40, 16); `chars` units declared, the text at `offset`.
