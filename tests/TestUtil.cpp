@@ -18,7 +18,7 @@ Result Convert(const QByteArray& metafile) {
     Result r;
     QByteArray out;
     r.status = ConvertMetaFileToSVG(metafile, out);
-    r.svg = QString::fromUtf8(out);
+    r.svg = QString::fromUtf8(out.constData(), out.size());
     return r;
 }
 
