@@ -32,6 +32,17 @@ int InitEMRSETBKMODE(tagEMRSETBKMODE& r);
 int InitEMRCOLOR(tagEMRSETTEXTCOLOR& r);
 int InitEMRSETTEXTALIGN(tagEMRSETTEXTALIGN& r);
 
+// Shape, arc and text records (in place, but for the copying InitEMRANGLEARC, whose `dst`
+// receives the 28 bytes of the record in host order).
+int InitEMRRECTANGLE(tagEMRRECTANGLE& r);
+int InitEMRELLIPSE(tagEMRELLIPSE& r);
+int InitEMRROUNDRECT(tagEMRROUNDRECT& r);
+int InitEMRARC(tagEMRARC& r);
+int InitEMRANGLEARC(tagEMRANGLEARC* dst, const unsigned char* src);
+int InitEMRTEXT(tagEMRTEXT& t);
+int InitEMREXTTEXTOUTA(tagEMREXTTEXTOUTA& r);
+int InitEMRSMALLTEXTOUT(tagEMRSMALLTEXTOUT& r);
+
 // Line, polygon and Bézier records (in place).
 int InitEMRMOVETO(tagEMRMOVETOEX& r);
 int InitLINETO(tagEMRLINETO& r);

@@ -140,6 +140,30 @@ class Emf2SvgConverter {
     void MapInPlace(tagPOINT* points, uint32_t count);
     void MapInPlace(tagPOINTS* points, uint32_t count);
 
+    // Rectangles, ellipses and arcs (EmfShapes.cpp).
+    int OnRectangle(unsigned char* record, unsigned int size);
+    int OnRoundedRect(unsigned char* record, unsigned int size);
+    int OnEllipse(unsigned char* record, unsigned int size);
+    int OnArc(unsigned char* record, unsigned int size);
+    int OnArcTo(unsigned char* record, unsigned int size);
+    int OnChord(unsigned char* record, unsigned int size);
+    int OnPie(unsigned char* record, unsigned int size);
+    int OnAngleArc(unsigned char* record, unsigned int size);
+    enum class ArcCall { Arc, ArcTo, Chord };
+    // The logical half sizes of a box and its centre, mapped as a position.
+    struct EllipseBox {
+        int32_t rx, ry;
+        int cx, cy;
+    };
+    EllipseBox MapEllipse(const tagRECT& box);
+    void DrawArcRecord(unsigned char* record, ArcCall call);
+
+    // Text (EmfText.cpp).
+    int OnExtTextOutW(unsigned char* record, unsigned int size);
+    int OnSmallTextOut(unsigned char* record, unsigned int size);
+    // The output position of a text record's reference point.
+    tagPOINT MapTextReference(const tagPOINT& reference);
+
     // The path bracket (EmfPaths.cpp).
     int OnBeginPath(unsigned char* record, unsigned int size);
     int OnEndPath(unsigned char* record, unsigned int size);

@@ -51,7 +51,15 @@ const Emf2SvgConverter::HandlerEntry* Emf2SvgConverter::HandlerTable() {
         {38, &Emf2SvgConverter::OnCreatePen, sizeof(tagEMRCREATEPEN)},
         {39, &Emf2SvgConverter::OnCreateBrushIndirect, sizeof(tagEMRCREATEBRUSHINDIRECT)},
         {40, &Emf2SvgConverter::OnDeleteObject, sizeof(tagEMRDELETEOBJECT)},
+        {41, &Emf2SvgConverter::OnAngleArc, sizeof(tagEMRANGLEARC)},
+        {42, &Emf2SvgConverter::OnEllipse, sizeof(tagEMRELLIPSE)},
+        {43, &Emf2SvgConverter::OnRectangle, sizeof(tagEMRRECTANGLE)},
+        {44, &Emf2SvgConverter::OnRoundedRect, sizeof(tagEMRROUNDRECT)},
+        {45, &Emf2SvgConverter::OnArc, sizeof(tagEMRARC)},
+        {46, &Emf2SvgConverter::OnChord, sizeof(tagEMRARC)},
+        {47, &Emf2SvgConverter::OnPie, sizeof(tagEMRARC)},
         {54, &Emf2SvgConverter::OnLineTo, sizeof(tagEMRLINETO)},
+        {55, &Emf2SvgConverter::OnArcTo, sizeof(tagEMRARC)},
         {59, &Emf2SvgConverter::OnBeginPath, sizeof(tagEMR)},
         {60, &Emf2SvgConverter::OnEndPath, sizeof(tagEMR)},
         {61, &Emf2SvgConverter::OnCloseFigure, sizeof(tagEMR)},
@@ -68,6 +76,7 @@ const Emf2SvgConverter::HandlerEntry* Emf2SvgConverter::HandlerTable() {
         {79, &Emf2SvgConverter::OnPlgBlt, sizeof(tagEMR)},
         {81, &Emf2SvgConverter::OnStretchDIB, sizeof(tagEMRSTRETCHDIBITS)},
         {82, &Emf2SvgConverter::OnExtCreateFontIndirect, sizeof(tagEMREXTCREATEFONTINDIRECTW)},
+        {84, &Emf2SvgConverter::OnExtTextOutW, sizeof(tagEMREXTTEXTOUTW)},
         {85, &Emf2SvgConverter::OnPolyBezier16, sizeof(tagEMRPOLYLINE16)},
         {86, &Emf2SvgConverter::OnPolygon16, sizeof(tagEMRPOLYLINE16)},
         {87, &Emf2SvgConverter::OnPolyLine16, sizeof(tagEMRPOLYLINE16)},
@@ -79,6 +88,7 @@ const Emf2SvgConverter::HandlerEntry* Emf2SvgConverter::HandlerTable() {
         {93, &Emf2SvgConverter::OnCreateMonoBrush, sizeof(tagEMR)},
         {95, &Emf2SvgConverter::OnCreatePenEx, sizeof(tagEMREXTCREATEPEN)},
         {116, &Emf2SvgConverter::OnTransparentBlt, sizeof(tagEMRTRANSPARENTBLT)},
+        {108, &Emf2SvgConverter::OnSmallTextOut, sizeof(tagEMRSMALLTEXTOUT)},
     };
     static const std::array<HandlerEntry, kHandlerTableSize> table = [] {
         std::array<HandlerEntry, kHandlerTableSize> entries{};

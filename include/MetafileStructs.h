@@ -320,6 +320,66 @@ struct tagEMRELLIPSE {
 };
 typedef tagEMRELLIPSE tagEMRRECTANGLE;
 
+struct tagEMRROUNDRECT {
+    tagEMR emr;
+    tagRECT rclBox;
+    tagSIZE szlCorner;
+};
+
+// EMR_ARC, EMR_ARCTO, EMR_CHORD and EMR_PIE.
+struct tagEMRARC {
+    tagEMR emr;
+    tagRECT rclBox;
+    tagPOINT ptlStart;
+    tagPOINT ptlEnd;
+};
+
+struct tagEMRANGLEARC {
+    tagEMR emr;
+    tagPOINT ptlCenter;
+    int32_t nRadius;
+    float eStartAngle;
+    float eSweepAngle;
+};
+
+// The text of EMR_EXTTEXTOUTA and EMR_EXTTEXTOUTW; offString and offDx count from the start of
+// the record.
+struct tagEMRTEXT {
+    tagPOINT ptlReference;
+    uint32_t nChars;
+    uint32_t offString;
+    uint32_t fOptions;
+    tagRECT rcl;
+    uint32_t offDx;
+};
+
+struct tagEMREXTTEXTOUTA {
+    tagEMR emr;
+    tagRECT rclBounds;
+    uint32_t iGraphicsMode;
+    float exScale;
+    float eyScale;
+    tagEMRTEXT emrtext;
+};
+typedef tagEMREXTTEXTOUTA tagEMREXTTEXTOUTW;
+
+// EMR_SMALLTEXTOUT: the fixed fields; a clipping rectangle (unless ETO_NO_RECT) and the
+// characters follow.
+struct tagEMRSMALLTEXTOUT {
+    tagEMR emr;
+    tagPOINT ptlReference;
+    uint32_t cChars;
+    uint32_t fuOptions;
+    uint32_t iGraphicsMode;
+    float exScale;
+    float eyScale;
+};
+static_assert(sizeof(tagEMRROUNDRECT) == 32, "EMR_ROUNDRECT layout");
+static_assert(sizeof(tagEMRARC) == 40, "EMR_ARC layout");
+static_assert(sizeof(tagEMRANGLEARC) == 28, "EMR_ANGLEARC layout");
+static_assert(sizeof(tagEMREXTTEXTOUTW) == 76, "EMR_EXTTEXTOUTW layout");
+static_assert(sizeof(tagEMRSMALLTEXTOUT) == 36, "EMR_SMALLTEXTOUT layout");
+
 // Point lists: EMR_POLYBEZIER, EMR_POLYGON, EMR_POLYLINE, EMR_POLYBEZIERTO, EMR_POLYLINETO.
 struct tagEMRPOLYLINE {
     tagEMR emr;
@@ -606,6 +666,16 @@ struct tagWMRELLIPSE {
     int16_t TopRect;
     int16_t LeftRect;
 };
+
+// META_EXTTEXTOUT: the fixed fields; the characters follow.
+struct tagWMREXTTEXTOUT {
+    tagWMR wmr;
+    int16_t y;
+    int16_t x;
+    uint16_t StringLength;
+    uint16_t fwOpts;
+};
+static_assert(sizeof(tagWMREXTTEXTOUT) == 14, "META_EXTTEXTOUT layout");
 
 struct tagWMRPATBLT {
     tagWMR wmr;

@@ -14,6 +14,7 @@
 #include "MetafileStructs.h"
 #include "style/StyleMgr.h"
 #include "svg/SvgBuffer.h"
+#include "svg/TextRun.h"
 
 namespace dib {
 struct DibSource;
@@ -74,6 +75,25 @@ class CMySVGWriter {
                        const QByteArray& style);
     bool DrawMixedPoly(const tagPOINTS* points, const unsigned char* types, unsigned int count,
                        const QByteArray& style);
+
+    // Arcs, chords and pies.
+    bool DrawArc(int x1, int y1, int rx, int ry, int rotation, int large, int sweep, int x2, int y2,
+                 const QByteArray& style);
+    bool DrawArcTo(int x1, int y1, int rx, int ry, int rotation, int large, int sweep, int x2,
+                   int y2, const QByteArray& style);
+    bool DrawChord(int x1, int y1, int rx, int ry, int rotation, int large, int sweep, int x2,
+                   int y2, const QByteArray& style);
+    bool DrawPie(int x1, int y1, int rx, int ry, int rotation, int large, int sweep, int x2, int y2,
+                 int cx, int cy, const QByteArray& style);
+
+    // Text.
+    bool TextOut(const TextRun& text, tagPOINT position, tagRECT rect, const QByteArray& style);
+    bool MetaTextOut(const TextRun& text, tagPOINT position, const char* extra,
+                     const QByteArray& style);
+    bool SmallTextOut(const TextRun& text, _POINTL position);
+    bool GetPointOfReference(tagPOINT& point, tagRECT rect);
+    bool GetTextDimensions(int& width, int& height, int& descent, const TextRun& text);
+    bool CalculateRect(tagRECT& rect, const TextRun& text);
 
     // Text state.
     bool SetTextAlign(int flags);
@@ -140,6 +160,14 @@ class CMySVGWriter {
     // clip of what follows.
     void OpenClip();
     void CloseClip();
+    // The start, radii, flags and relative end of an arc's path data, a space before the "a"
+    // command when `spaced`.
+    void WriteArcData(int x1, int y1, bool spaced, int rx, int ry, int rotation, int large,
+                      int sweep, int x2, int y2);
+    // Writes one text element at (x, y), inside a rotation group when the font is rotated.
+    enum class TextForm { Emf, Small, Meta };
+    void WriteTextElement(TextForm form, int x, int y, const QByteArray& style,
+                          const TextRun& text);
     // 16-bit point lists sign-extended to 32 bits; empty for a null list.
     static std::vector<tagPOINT> WidenPoints(const tagPOINTS* points, unsigned int count);
 

@@ -80,6 +80,22 @@ Bytes BitmapInfo(int32_t width, int32_t height, uint16_t bitCount,
     return b;
 }
 
+Bytes U32s(std::initializer_list<uint32_t> values) {
+    Bytes b;
+    for (uint32_t v : values) b.u32(v);
+    return b;
+}
+
+Bytes I32s(std::initializer_list<int32_t> values) {
+    Bytes b;
+    for (int32_t v : values) b.i32(v);
+    return b;
+}
+
+Bytes LogFontW(int32_t height, int32_t escapement, int32_t weight, const QString& face) {
+    return Bytes().i32(height).i32(0).i32(escapement).i32(0).i32(weight).zeros(8).utf16(face, 32);
+}
+
 // --- EMF -----------------------------------------------------------------------------------
 
 // 1024 x 768 device units over 320 x 240 mm: 3.2 units per mm, so a frame of 31.25 mm
