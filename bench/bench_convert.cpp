@@ -51,6 +51,32 @@ QByteArray SyntheticWmf(int records) {
     return wmf.build();
 }
 
+// One region record of 1 MiB (65531 rectangles of 2 x 100 units): side by side in one band
+// (layout 0), stacked in one column (1), or scattered and overlapping (2). Fill and frame
+// records use a red brush; the clip record intersects the bounds.
+QByteArray RegionEmf(uint32_t type, int layout) {
+    const int count = 65531;
+    mfb::Emf emf;
+    emf.bounds(0, 0, 200000, 200000).frame(0, 0, 6250000, 6250000);
+    std::vector<mfb::Rect> rects((size_t)count);
+    uint32_t seed = 1;
+    for (int i = 0; i < count; ++i) {
+        seed = seed * 1103515245u + 12345u;
+        const int x = (int)(seed >> 8) % 2000, y = (int)(seed >> 4) % 2000;
+        rects[(size_t)i] = layout == 0   ? mfb::Rect{3 * i, 0, 3 * i + 2, 100}
+                           : layout == 1 ? mfb::Rect{0, 3 * i, 100, 3 * i + 2}
+                                         : mfb::Rect{x, y, x + 2 + i % 50, y + 100};
+    }
+    const mfb::Bytes region = mfb::RegionData(rects);
+    mfb::Bytes payload;
+    if (type == mfb::EMR_EXTSELECTCLIPRGN) payload.u32(region.size()).u32(1);
+    if (type != mfb::EMR_EXTSELECTCLIPRGN) payload.zeros(16).u32(region.size()).u32(1);
+    if (type == mfb::EMR_FRAMERGN) payload.u32(1).u32(1);
+    emf.record(mfb::EMR_CREATEBRUSHINDIRECT, mfb::Bytes().u32(1).u32(0).u32(0xFF).u32(0))
+        .record(type, payload.append(region));
+    return emf.build();
+}
+
 std::vector<QByteArray> CorpusFiles() {
     std::vector<QByteArray> files;
     QDir root(QStringLiteral(SVGMODULE_CORPUS_DIR));
@@ -76,6 +102,10 @@ void BM_SyntheticEmf20k(benchmark::State& state) {
 }
 void BM_SyntheticWmf20k(benchmark::State& state) {
     Run(state, SyntheticWmf(10000));
+}
+
+void BM_RegionRecord1MB(benchmark::State& state) {
+    Run(state, RegionEmf((uint32_t)state.range(0), (int)state.range(1)));
 }
 
 void BM_CorpusBatch(benchmark::State& state) {
@@ -152,6 +182,10 @@ BENCHMARK(BM_ExampleEmf);
 BENCHMARK(BM_ExampleWmf);
 BENCHMARK(BM_SyntheticEmf20k)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_SyntheticWmf20k)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RegionRecord1MB)
+    ->ArgNames({"type", "layout"})
+    ->ArgsProduct({{mfb::EMR_FILLRGN, mfb::EMR_FRAMERGN, mfb::EMR_EXTSELECTCLIPRGN}, {0, 1, 2}})
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_CorpusBatch)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv) {

@@ -2,6 +2,7 @@
 #include "byteorder/EmfNormalisers.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 #include "api/Trace.h"
@@ -193,6 +194,77 @@ int InitEMRCOLOR(tagEMRSETTEXTCOLOR& r) {
 int InitEMRSETTEXTALIGN(tagEMRSETTEXTALIGN& r) {
     TRACE_ENTER();
     if (IsBigEndian()) Swap(r.iMode);
+    TRACE_RETURN(1);
+}
+
+// --- shape, arc and text records --------------------------------------------------------
+
+int InitEMRRECTANGLE(tagEMRRECTANGLE& r) {
+    TRACE_ENTER();
+    if (IsBigEndian()) InitRECTL(r.rclBox);
+    TRACE_RETURN(1);
+}
+
+int InitEMRELLIPSE(tagEMRELLIPSE& r) {
+    TRACE_ENTER();
+    if (IsBigEndian()) InitRECTL(r.rclBox);
+    TRACE_RETURN(1);
+}
+
+int InitEMRROUNDRECT(tagEMRROUNDRECT& r) {
+    TRACE_ENTER();
+    if (IsBigEndian()) {
+        InitRECTL(r.rclBox);
+        InitSIZEL(r.szlCorner);
+    }
+    TRACE_RETURN(1);
+}
+
+int InitEMRARC(tagEMRARC& r) {
+    TRACE_ENTER();
+    if (IsBigEndian()) {
+        InitRECTL(r.rclBox);
+        InitPOINTL(r.ptlStart);
+        InitPOINTL(r.ptlEnd);
+    }
+    TRACE_RETURN(1);
+}
+
+int InitEMRANGLEARC(tagEMRANGLEARC* dst, const unsigned char* src) {
+    TRACE_ENTER();
+    if (!IsBigEndian()) TRACE_RETURN(0);
+    std::memcpy(dst, src, sizeof *dst);
+    InitPOINTL(dst->ptlCenter);
+    SwapAll(dst->nRadius, dst->eStartAngle, dst->eSweepAngle);
+    TRACE_RETURN(1);
+}
+
+int InitEMRTEXT(tagEMRTEXT& t) {
+    TRACE_ENTER();
+    if (IsBigEndian()) {
+        InitPOINTL(t.ptlReference);
+        SwapAll(t.nChars, t.offString, t.fOptions, t.offDx);
+        InitRECTL(t.rcl);
+    }
+    TRACE_RETURN(1);
+}
+
+int InitEMREXTTEXTOUTA(tagEMREXTTEXTOUTA& r) {
+    TRACE_ENTER();
+    if (IsBigEndian()) {
+        InitRECTL(r.rclBounds);
+        SwapAll(r.iGraphicsMode, r.exScale, r.eyScale);
+        InitEMRTEXT(r.emrtext);
+    }
+    TRACE_RETURN(1);
+}
+
+int InitEMRSMALLTEXTOUT(tagEMRSMALLTEXTOUT& r) {
+    TRACE_ENTER();
+    if (IsBigEndian()) {
+        InitPOINTL(r.ptlReference);
+        SwapAll(r.cChars, r.fuOptions, r.iGraphicsMode, r.exScale, r.eyScale);
+    }
     TRACE_RETURN(1);
 }
 

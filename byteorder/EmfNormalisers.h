@@ -32,12 +32,31 @@ int InitEMRSETBKMODE(tagEMRSETBKMODE& r);
 int InitEMRCOLOR(tagEMRSETTEXTCOLOR& r);
 int InitEMRSETTEXTALIGN(tagEMRSETTEXTALIGN& r);
 
+// Shape, arc and text records (in place, but for the copying InitEMRANGLEARC, whose `dst`
+// receives the 28 bytes of the record in host order).
+int InitEMRRECTANGLE(tagEMRRECTANGLE& r);
+int InitEMRELLIPSE(tagEMRELLIPSE& r);
+int InitEMRROUNDRECT(tagEMRROUNDRECT& r);
+int InitEMRARC(tagEMRARC& r);
+int InitEMRANGLEARC(tagEMRANGLEARC* dst, const unsigned char* src);
+int InitEMRTEXT(tagEMRTEXT& t);
+int InitEMREXTTEXTOUTA(tagEMREXTTEXTOUTA& r);
+int InitEMRSMALLTEXTOUT(tagEMRSMALLTEXTOUT& r);
+
 // Line, polygon and Bézier records (in place).
 int InitEMRMOVETO(tagEMRMOVETOEX& r);
 int InitLINETO(tagEMRLINETO& r);
 int InitEMRPOLYGON(tagEMRPOLYGON& r, unsigned int size);
 int InitEMRPOLYGON16(tagEMRPOLYGON16& r, unsigned int size);
 int InitEMRPOLYDRAW16(tagEMRPOLYDRAW16& r, unsigned int size);
+
+// Region and clip records (in place): the fixed fields and the region header; the handlers
+// convert each rectangle with InitRECT.
+int InitEMRFILLRGN(tagEMRFILLRGN& r);
+int InitEMRFRAMERGN(tagEMRFRAMERGN& r);
+int InitEMREXTSELECTCLIPRGN(tagEMREXTSELECTCLIPRGN& r);
+int Init_RGNDATAHEADER(_RGNDATAHEADER& h);
+int Init_RGNDATA(_RGNDATA& d);
 
 // Poly-polygon and poly-polyline records (copying form): `dst` is a record buffer of `size`
 // bytes followed by records::kRecordPadding zero bytes; on a big-endian host it receives the

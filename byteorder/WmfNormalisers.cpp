@@ -209,6 +209,18 @@ int InitWMRPATBLT(tagWMRPATBLT* dst, const unsigned char* src) {
     TRACE_RETURN(1);
 }
 
+// The characters that follow the fixed fields are single bytes and keep their order.
+int InitWMREXTTEXTOUT(tagWMREXTTEXTOUT* dst, const unsigned char* src) {
+    TRACE_ENTER();
+    if (!IsBigEndian()) TRACE_RETURN(0);
+    InitWMR(Prefix(dst), src);
+    dst->y = Read16(src, offsetof(tagWMREXTTEXTOUT, y));
+    dst->x = Read16(src, offsetof(tagWMREXTTEXTOUT, x));
+    dst->StringLength = ReadU16(src, offsetof(tagWMREXTTEXTOUT, StringLength));
+    dst->fwOpts = ReadU16(src, offsetof(tagWMREXTTEXTOUT, fwOpts));
+    TRACE_RETURN(1);
+}
+
 int InitWMRPOLYLINE(tagWMRPOLYLINE* dst, const unsigned char* src, unsigned int size) {
     TRACE_ENTER();
     if (!IsBigEndian()) TRACE_RETURN(0);

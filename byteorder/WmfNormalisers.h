@@ -32,6 +32,7 @@ int InitWMRPATBLT(tagWMRPATBLT* dst, const unsigned char* src);
 int InitWMRBITBLT(tagWMRBITBLT* dst, const unsigned char* src);
 int InitWMRDIBSTRETCHBLT(tagWMRDIBSTRETCHBLT* dst, const unsigned char* src);
 int InitWMRSTRETCHBLT(tagWMRSTRETCHBLT* dst, const unsigned char* src);
+int InitWMREXTTEXTOUT(tagWMREXTTEXTOUT* dst, const unsigned char* src);
 
 // Records with trailing arrays, `size` bytes long.
 int InitWMRPOLYLINE(tagWMRPOLYLINE* dst, const unsigned char* src, unsigned int size);

@@ -7,19 +7,17 @@
 
 #include "api/Trace.h"
 #include "byteorder/BEndTools.h"
+#include "geometry/RgnPathUtil.h"
 #include "geometry/Numeric.h"
 
 namespace {
 
 const uint32_t kEmrEof = 14;
 
+using numeric::Diff32;
+
 // Device pixels per millimetre assumed when the header gives no millimetre size (96 dpi).
 const double kDefaultPixelsPerMm = 96.0 / 25.4;
-
-// Difference of two 32-bit values, wrapping as 32-bit arithmetic does.
-int32_t Diff32(int32_t a, int32_t b) {
-    return (int32_t)((uint32_t)a - (uint32_t)b);
-}
 
 // Device pixels per millimetre on one axis; the default resolution when the header's
 // millimetre size is zero or the ratio is not finite.
@@ -35,17 +33,11 @@ int RoundSize(float v) {
     return numeric::TruncToInt(f + 0.5 > (double)v ? f : std::ceil((double)v));
 }
 
-// The rectangle of `r` (right and bottom exclusive); empty when it has no area.
-QRect RectOf(const tagRECT& r) {
-    const int64_t w = (int64_t)r.right - r.left, h = (int64_t)r.bottom - r.top;
-    if (w <= 0 || h <= 0) return QRect();
-    return QRect(QPoint(r.left, r.top), QPoint(r.right - 1, r.bottom - 1));
-}
-
 }  // namespace
 
 Emf2SvgConverter::Emf2SvgConverter()
     : m_handlers(nullptr),
+      m_clipBudget(0),
       m_recordNames(nullptr),
       m_vpScaleX(1.0f),
       m_vpScaleY(1.0f),
@@ -109,7 +101,8 @@ int Emf2SvgConverter::ConvertEMFToSVG(const unsigned char* data, CLogger& log) {
 }
 
 void Emf2SvgConverter::SetupPicture(const tagENHMETAHEADER& h) {
-    m_boundsRegion = QRegion(RectOf(h.rclBounds));
+    m_boundsRegion = QRegion(RectToQRect(h.rclBounds));
+    m_clipBudget = h.nBytes / 4 + (1u << 18);
 
     // Frame scales: 0.01 mm per device unit. A degenerate bounds or frame rectangle would
     // make a zero or infinite divisor; the scale then stays 1.

@@ -10,6 +10,7 @@
 #include <QRegion>
 #include <QString>
 #include <cstring>
+#include <vector>
 
 #include "MetafileStructs.h"
 #include "api/Logger.h"
@@ -139,6 +140,30 @@ class Emf2SvgConverter {
     void MapInPlace(tagPOINT* points, uint32_t count);
     void MapInPlace(tagPOINTS* points, uint32_t count);
 
+    // Rectangles, ellipses and arcs (EmfShapes.cpp).
+    int OnRectangle(unsigned char* record, unsigned int size);
+    int OnRoundedRect(unsigned char* record, unsigned int size);
+    int OnEllipse(unsigned char* record, unsigned int size);
+    int OnArc(unsigned char* record, unsigned int size);
+    int OnArcTo(unsigned char* record, unsigned int size);
+    int OnChord(unsigned char* record, unsigned int size);
+    int OnPie(unsigned char* record, unsigned int size);
+    int OnAngleArc(unsigned char* record, unsigned int size);
+    enum class ArcCall { Arc, ArcTo, Chord };
+    // The logical half sizes of a box and its centre, mapped as a position.
+    struct EllipseBox {
+        int32_t rx, ry;
+        int cx, cy;
+    };
+    EllipseBox MapEllipse(const tagRECT& box);
+    void DrawArcRecord(unsigned char* record, ArcCall call);
+
+    // Text (EmfText.cpp).
+    int OnExtTextOutW(unsigned char* record, unsigned int size);
+    int OnSmallTextOut(unsigned char* record, unsigned int size);
+    // The output position of a text record's reference point.
+    tagPOINT MapTextReference(const tagPOINT& reference);
+
     // The path bracket (EmfPaths.cpp).
     int OnBeginPath(unsigned char* record, unsigned int size);
     int OnEndPath(unsigned char* record, unsigned int size);
@@ -146,6 +171,16 @@ class Emf2SvgConverter {
     int OnFillPath(unsigned char* record, unsigned int size);
     int OnStrokePath(unsigned char* record, unsigned int size);
     int OnAbortPath(unsigned char* record, unsigned int size);
+
+    // Regions and clipping (EmfRegions.cpp).
+    int OnFillRgn(unsigned char* record, unsigned int size);
+    int OnFrameRgn(unsigned char* record, unsigned int size);
+    int OnExtSetClipRgn(unsigned char* record, unsigned int size);
+    int OnSelectClipPath(unsigned char* record, unsigned int size);
+    int OnIntersectClipRect(unsigned char* record, unsigned int size);
+    // The rectangles of the region data `offset` bytes into a fill or frame record, mapped
+    // as positions; the region header is normalised in place.
+    std::vector<tagRECT> MappedRegion(unsigned char* record, unsigned int size, size_t offset);
 
     // Bitmap records (EmfBitmaps.cpp).
     int OnBitBlt(unsigned char* record, unsigned int size);
@@ -175,6 +210,7 @@ class Emf2SvgConverter {
     const HandlerEntry* m_handlers;  // kHandlerTableSize entries, shared by all converters
     CMySVGWriter m_writer;
     QRegion m_boundsRegion;
+    uint64_t m_clipBudget;  // rectangles that clip-region records may still combine and write
     const char* const* m_recordNames;  // kNameTableSize entries, shared by all converters
     float m_vpScaleX;
     float m_vpScaleY;

@@ -30,6 +30,11 @@ inline int16_t Low16(int32_t v) {
     return (int16_t)(uint16_t)(uint32_t)v;
 }
 
+// Difference of two 32-bit values, wrapping as 32-bit arithmetic does.
+inline int32_t Diff32(int32_t a, int32_t b) {
+    return (int32_t)((uint32_t)a - (uint32_t)b);
+}
+
 // Divides when the divisor is finite and not zero; otherwise returns `fallback`.
 inline float SafeRatio(float num, float den, float fallback) {
     float r = num / den;

@@ -320,6 +320,66 @@ struct tagEMRELLIPSE {
 };
 typedef tagEMRELLIPSE tagEMRRECTANGLE;
 
+struct tagEMRROUNDRECT {
+    tagEMR emr;
+    tagRECT rclBox;
+    tagSIZE szlCorner;
+};
+
+// EMR_ARC, EMR_ARCTO, EMR_CHORD and EMR_PIE.
+struct tagEMRARC {
+    tagEMR emr;
+    tagRECT rclBox;
+    tagPOINT ptlStart;
+    tagPOINT ptlEnd;
+};
+
+struct tagEMRANGLEARC {
+    tagEMR emr;
+    tagPOINT ptlCenter;
+    int32_t nRadius;
+    float eStartAngle;
+    float eSweepAngle;
+};
+
+// The text of EMR_EXTTEXTOUTA and EMR_EXTTEXTOUTW; offString and offDx count from the start of
+// the record.
+struct tagEMRTEXT {
+    tagPOINT ptlReference;
+    uint32_t nChars;
+    uint32_t offString;
+    uint32_t fOptions;
+    tagRECT rcl;
+    uint32_t offDx;
+};
+
+struct tagEMREXTTEXTOUTA {
+    tagEMR emr;
+    tagRECT rclBounds;
+    uint32_t iGraphicsMode;
+    float exScale;
+    float eyScale;
+    tagEMRTEXT emrtext;
+};
+typedef tagEMREXTTEXTOUTA tagEMREXTTEXTOUTW;
+
+// EMR_SMALLTEXTOUT: the fixed fields; a clipping rectangle (unless ETO_NO_RECT) and the
+// characters follow.
+struct tagEMRSMALLTEXTOUT {
+    tagEMR emr;
+    tagPOINT ptlReference;
+    uint32_t cChars;
+    uint32_t fuOptions;
+    uint32_t iGraphicsMode;
+    float exScale;
+    float eyScale;
+};
+static_assert(sizeof(tagEMRROUNDRECT) == 32, "EMR_ROUNDRECT layout");
+static_assert(sizeof(tagEMRARC) == 40, "EMR_ARC layout");
+static_assert(sizeof(tagEMRANGLEARC) == 28, "EMR_ANGLEARC layout");
+static_assert(sizeof(tagEMREXTTEXTOUTW) == 76, "EMR_EXTTEXTOUTW layout");
+static_assert(sizeof(tagEMRSMALLTEXTOUT) == 36, "EMR_SMALLTEXTOUT layout");
+
 // Point lists: EMR_POLYBEZIER, EMR_POLYGON, EMR_POLYLINE, EMR_POLYBEZIERTO, EMR_POLYLINETO.
 struct tagEMRPOLYLINE {
     tagEMR emr;
@@ -372,6 +432,42 @@ struct tagEMRFILLPATH {
     tagRECT rclBounds;
 };
 
+// Region data: the header, then nCount rectangles starting dwSize bytes after its start.
+struct _RGNDATAHEADER {
+    uint32_t dwSize;
+    uint32_t iType;
+    uint32_t nCount;
+    uint32_t nRgnSize;
+    tagRECT rcBound;
+};
+struct _RGNDATA {
+    _RGNDATAHEADER rdh;
+};
+
+struct tagEMRFILLRGN {
+    tagEMR emr;
+    tagRECT rclBounds;
+    uint32_t cbRgnData;
+    uint32_t ihBrush;
+    _RGNDATA RgnData;
+};
+
+struct tagEMRFRAMERGN {
+    tagEMR emr;
+    tagRECT rclBounds;
+    uint32_t cbRgnData;
+    uint32_t ihBrush;
+    tagSIZE szlStroke;
+    _RGNDATA RgnData;
+};
+
+struct tagEMREXTSELECTCLIPRGN {
+    tagEMR emr;
+    uint32_t cbRgnData;
+    uint32_t iMode;
+    _RGNDATA RgnData;
+};
+
 // Offsets of the trailing arrays of the EMF records above, from the start of the record.
 // Arrays are reached through these offsets and sized against the record's nSize, never
 // through the one-element array members.
@@ -387,6 +483,10 @@ static_assert(sizeof(tagEMREXTCREATEFONTINDIRECTW) == 332, "EMR_EXTCREATEFONTIND
 static_assert(sizeof(tagEMRPOLYLINE) == EMR_POLY_POINTS_OFFSET + 8, "EMR_POLYLINE layout");
 static_assert(sizeof(tagEMRPOLYLINE16) == EMR_POLY_POINTS_OFFSET + 4, "EMR_POLYLINE16 layout");
 static_assert(sizeof(tagEMRPOLYDRAW16) == EMR_POLY_POINTS_OFFSET + 4, "EMR_POLYDRAW16 layout");
+static_assert(sizeof(_RGNDATAHEADER) == 32, "RGNDATAHEADER layout");
+static_assert(sizeof(tagEMRFILLRGN) == 64, "EMR_FILLRGN layout");
+static_assert(sizeof(tagEMRFRAMERGN) == 72, "EMR_FRAMERGN layout");
+static_assert(sizeof(tagEMREXTSELECTCLIPRGN) == 48, "EMR_EXTSELECTCLIPRGN layout");
 static_assert(sizeof(tagEMRPOLYPOLYLINE) == EMR_POLYPOLY_COUNTS_OFFSET + 4,
               "EMR_POLYPOLYLINE layout");
 static_assert(sizeof(tagEMRPOLYPOLYLINE16) == EMR_POLYPOLY_COUNTS_OFFSET + 4,
@@ -566,6 +666,16 @@ struct tagWMRELLIPSE {
     int16_t TopRect;
     int16_t LeftRect;
 };
+
+// META_EXTTEXTOUT: the fixed fields; the characters follow.
+struct tagWMREXTTEXTOUT {
+    tagWMR wmr;
+    int16_t y;
+    int16_t x;
+    uint16_t StringLength;
+    uint16_t fwOpts;
+};
+static_assert(sizeof(tagWMREXTTEXTOUT) == 14, "META_EXTTEXTOUT layout");
 
 struct tagWMRPATBLT {
     tagWMR wmr;

@@ -14,6 +14,7 @@
 #include "MetafileStructs.h"
 #include "style/StyleMgr.h"
 #include "svg/SvgBuffer.h"
+#include "svg/TextRun.h"
 
 namespace dib {
 struct DibSource;
@@ -75,6 +76,25 @@ class CMySVGWriter {
     bool DrawMixedPoly(const tagPOINTS* points, const unsigned char* types, unsigned int count,
                        const QByteArray& style);
 
+    // Arcs, chords and pies.
+    bool DrawArc(int x1, int y1, int rx, int ry, int rotation, int large, int sweep, int x2, int y2,
+                 const QByteArray& style);
+    bool DrawArcTo(int x1, int y1, int rx, int ry, int rotation, int large, int sweep, int x2,
+                   int y2, const QByteArray& style);
+    bool DrawChord(int x1, int y1, int rx, int ry, int rotation, int large, int sweep, int x2,
+                   int y2, const QByteArray& style);
+    bool DrawPie(int x1, int y1, int rx, int ry, int rotation, int large, int sweep, int x2, int y2,
+                 int cx, int cy, const QByteArray& style);
+
+    // Text.
+    bool TextOut(const TextRun& text, tagPOINT position, tagRECT rect, const QByteArray& style);
+    bool MetaTextOut(const TextRun& text, tagPOINT position, const char* extra,
+                     const QByteArray& style);
+    bool SmallTextOut(const TextRun& text, _POINTL position);
+    bool GetPointOfReference(tagPOINT& point, tagRECT rect);
+    bool GetTextDimensions(int& width, int& height, int& descent, const TextRun& text);
+    bool CalculateRect(tagRECT& rect, const TextRun& text);
+
     // Text state.
     bool SetTextAlign(int flags);
     bool SetTextColor(unsigned int colour);
@@ -82,6 +102,13 @@ class CMySVGWriter {
     bool SetBkgColor(unsigned int colour);
     bool CreateFont(unsigned int handle, tagLOGFONTW font);
     bool MetaCreateFont(unsigned int handle, FONTSPEC font);
+
+    // Regions and clipping. Rectangle counts are taken as signed: 0 or less draws nothing.
+    bool FillRgn(unsigned int count, const tagRECT* rects, unsigned int brush);
+    bool FrameRgn(unsigned int count, const tagRECT* rects, unsigned int brush, unsigned int width,
+                  unsigned int height);
+    bool SetExtClipRgn(unsigned int count, const tagRECT* rects);
+    bool SelectClipPath(unsigned int mode);
 
     // Objects.
     bool SelectObject(unsigned long handle);
@@ -104,9 +131,6 @@ class CMySVGWriter {
     CStyleManager& StyleManager() { return m_styleMgr; }
 
   private:
-    // Unit tests set the clip flag that clip-path selection sets in a conversion.
-    friend class WriterTestPeer;
-
     const QByteArray& EffectiveStyle(const QByteArray& style) const {
         return style.isEmpty() ? m_currStyle : style;
     }
@@ -130,6 +154,20 @@ class CMySVGWriter {
     static unsigned int WritePolyDrawPoint(SvgBuffer& out, const tagPOINT* points,
                                            const unsigned char* types, unsigned int index,
                                            unsigned int count);
+    // Writes each rectangle with DrawRect in `style`.
+    void DrawRects(unsigned int count, const tagRECT* rects, const QByteArray& style);
+    // Opens the clip path definition numbered m_clipId; CloseClip ends it and makes it the
+    // clip of what follows.
+    void OpenClip();
+    void CloseClip();
+    // The start, radii, flags and relative end of an arc's path data, a space before the "a"
+    // command when `spaced`.
+    void WriteArcData(int x1, int y1, bool spaced, int rx, int ry, int rotation, int large,
+                      int sweep, int x2, int y2);
+    // Writes one text element at (x, y), inside a rotation group when the font is rotated.
+    enum class TextForm { Emf, Small, Meta };
+    void WriteTextElement(TextForm form, int x, int y, const QByteArray& style,
+                          const TextRun& text);
     // 16-bit point lists sign-extended to 32 bits; empty for a null list.
     static std::vector<tagPOINT> WidenPoints(const tagPOINTS* points, unsigned int count);
 

@@ -5,12 +5,19 @@
 #include "svg/SVGWriter.h"
 
 #include "api/Trace.h"
-#include "geometry/Numeric.h"
+#include <cmath>
 
 namespace {
 
 // Pens with this style bit have a width in world units rather than device units.
 const unsigned int kPsGeometric = 0x00010000;
+
+// The magnitude of `v` cut toward zero, at most 4294967295; 0 for not-a-number.
+unsigned int UnsignedMagnitude(double v) {
+    const double m = std::fabs(v);
+    if (std::isnan(m)) return 0;
+    return m < 4294967296.0 ? static_cast<unsigned int>(m) : 0xFFFFFFFFu;
+}
 
 }  // namespace
 
@@ -69,14 +76,14 @@ bool CMySVGWriter::DeleteObject(unsigned int handle) {
 
 // A geometric pen's width is mapped like the x coordinate of a point, translation included,
 // and cut toward zero. A mirroring transform maps widths negative; the stroke keeps the
-// magnitude.
+// magnitude. Widths stay unsigned, as a cosmetic pen's do: up to 4294967295, where larger
+// ones stop.
 bool CMySVGWriter::CreatePen(unsigned int handle, unsigned int style, unsigned int width,
                              unsigned int colour, const unsigned int* entries, unsigned int count) {
     TRACE_ENTER();
     if (style & kPsGeometric) {
         const float mapped = static_cast<float>(width) * m_xform.eM11 + m_xform.eDx;
-        const int64_t mappedWidth = numeric::TruncToInt(mapped);
-        width = static_cast<unsigned int>(mappedWidth < 0 ? -mappedWidth : mappedWidth);
+        width = UnsignedMagnitude(mapped);
     }
     m_styleMgr.EmfCreatePen(handle, style, width, colour, entries, count);
     TRACE_RETURN(true);

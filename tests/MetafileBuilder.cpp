@@ -64,11 +64,36 @@ Bytes Points32(std::initializer_list<std::pair<int, int>> points) {
     return b;
 }
 
+Bytes RegionData(const std::vector<Rect>& rects, int64_t count, uint32_t headerSize) {
+    const uint32_t n = (uint32_t)rects.size();
+    Bytes b;
+    b.u32(headerSize).u32(1).u32(count < 0 ? n : (uint32_t)count).u32(16 * n).zeros(16);
+    b.zeros(headerSize > 32 ? (int)headerSize - 32 : 0);
+    for (const Rect& r : rects) b.i32(r[0]).i32(r[1]).i32(r[2]).i32(r[3]);
+    return b;
+}
+
 Bytes BitmapInfo(int32_t width, int32_t height, uint16_t bitCount,
                  const std::vector<uint32_t>& colours) {
     Bytes b = Bytes().u32(40).i32(width).i32(height).u16(1).u16(bitCount).zeros(24);
     for (uint32_t c : colours) b.u8(c & 0xFF).u8(c >> 8 & 0xFF).u8(c >> 16 & 0xFF).u8(0);
     return b;
+}
+
+Bytes U32s(std::initializer_list<uint32_t> values) {
+    Bytes b;
+    for (uint32_t v : values) b.u32(v);
+    return b;
+}
+
+Bytes I32s(std::initializer_list<int32_t> values) {
+    Bytes b;
+    for (int32_t v : values) b.i32(v);
+    return b;
+}
+
+Bytes LogFontW(int32_t height, int32_t escapement, int32_t weight, const QString& face) {
+    return Bytes().i32(height).i32(0).i32(escapement).i32(0).i32(weight).zeros(8).utf16(face, 32);
 }
 
 // --- EMF -----------------------------------------------------------------------------------

@@ -15,6 +15,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <array>
 #include <cstdint>
 #include <utility>
 #include <vector>
@@ -43,20 +44,34 @@ enum EmfType : uint32_t {
     EMR_SETTEXTCOLOR = 24,
     EMR_SETBKCOLOR = 25,
     EMR_MOVETOEX = 27,
+    EMR_INTERSECTCLIPRECT = 30,
     EMR_SETWORLDTRANSFORM = 35,
     EMR_MODIFYWORLDTRANSFORM = 36,
     EMR_SELECTOBJECT = 37,
     EMR_CREATEPEN = 38,
     EMR_CREATEBRUSHINDIRECT = 39,
     EMR_DELETEOBJECT = 40,
+    EMR_ANGLEARC = 41,
+    EMR_ELLIPSE = 42,
+    EMR_RECTANGLE = 43,
+    EMR_ROUNDRECT = 44,
+    EMR_ARC = 45,
+    EMR_CHORD = 46,
+    EMR_PIE = 47,
     EMR_LINETO = 54,
+    EMR_ARCTO = 55,
     EMR_BEGINPATH = 59,
     EMR_ENDPATH = 60,
     EMR_CLOSEFIGURE = 61,
     EMR_FILLPATH = 62,
     EMR_STROKEPATH = 64,
+    EMR_SELECTCLIPPATH = 67,
     EMR_ABORTPATH = 68,
+    EMR_FILLRGN = 71,
+    EMR_FRAMERGN = 72,
+    EMR_EXTSELECTCLIPRGN = 75,
     EMR_EXTCREATEFONTINDIRECTW = 82,
+    EMR_EXTTEXTOUTW = 84,
     EMR_POLYBEZIER16 = 85,
     EMR_POLYGON16 = 86,
     EMR_POLYLINE16 = 87,
@@ -67,6 +82,7 @@ enum EmfType : uint32_t {
     EMR_POLYDRAW16 = 92,
     EMR_CREATEMONOBRUSH = 93,
     EMR_EXTCREATEPEN = 95,
+    EMR_SMALLTEXTOUT = 108,
 };
 
 // WMF function numbers used by the tests.
@@ -92,6 +108,7 @@ enum WmfFunction : uint16_t {
     META_POLYPOLYGON = 0x0538,
     META_PATBLT = 0x061D,
     META_ARC = 0x0817,
+    META_EXTTEXTOUT = 0x0A32,
     META_CREATEBITMAP = 0x06FE,
 };
 
@@ -172,10 +189,20 @@ class Wmf {
 // Common payloads.
 Bytes Points16(std::initializer_list<std::pair<int, int>> points);
 Bytes Points32(std::initializer_list<std::pair<int, int>> points);
+// Region data: the header (dwSize, iType 1, nCount, nRgnSize, a zero rcBound) padded to
+// `headerSize` bytes, then the rectangles (left, top, right, bottom). `count` replaces the
+// rectangle count when it is not negative.
+using Rect = std::array<int32_t, 4>;
+Bytes RegionData(const std::vector<Rect>& rects, int64_t count = -1, uint32_t headerSize = 32);
 // A bitmap header and its colour table, each entry 0x00RRGGBB stored as the bytes blue,
 // green, red, 0.
 Bytes BitmapInfo(int32_t width, int32_t height, uint16_t bitCount,
                  const std::vector<uint32_t>& colours = {});
+// Runs of 32-bit fields.
+Bytes U32s(std::initializer_list<uint32_t> values);
+Bytes I32s(std::initializer_list<int32_t> values);
+// A LOGFONTW: height, escapement (tenths of a degree), weight and face name; the rest zero.
+Bytes LogFontW(int32_t height, int32_t escapement, int32_t weight, const QString& face);
 
 }  // namespace mfb
 

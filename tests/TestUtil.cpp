@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QSysInfo>
+#include <gtest/gtest.h>
 #include <mutex>
 
 #include "byteorder/BEndTools.h"
@@ -18,7 +19,7 @@ Result Convert(const QByteArray& metafile) {
     Result r;
     QByteArray out;
     r.status = ConvertMetaFileToSVG(metafile, out);
-    r.svg = QString::fromUtf8(out);
+    r.svg = QString::fromUtf8(out.constData(), out.size());
     return r;
 }
 
@@ -39,6 +40,14 @@ QString Body(const QString& svg) {
     const int end = svg.lastIndexOf(QStringLiteral("</svg>\n"));
     if (start < 0 || end < start) return QString();
     return svg.mid(start + 1, end - start - 1);
+}
+
+QString BodyInBothByteOrders(const QByteArray& stored, const QByteArray& swapped, int status) {
+    const Result little = Convert(stored);
+    EXPECT_EQ(little.status, status);
+    ForceBigEndian bigEndian;
+    EXPECT_EQ(Convert(swapped).svg, little.svg);
+    return Body(little.svg);
 }
 
 LogCapture::LogCapture(const std::string& level) {

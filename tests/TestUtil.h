@@ -32,6 +32,9 @@ QString Header(int width, int height);
 QString Document(int width, int height, const QString& body);
 // The text between the header line and the closing "</svg>\n".
 QString Body(const QString& svg);
+// The body of a metafile converted as stored (expecting `status`) and, from `swapped`, its
+// byte-swapped form, on a host that reads as big-endian; the two outputs must agree.
+QString BodyInBothByteOrders(const QByteArray& stored, const QByteArray& swapped, int status);
 
 // Collects the system-log lines while it lives, at the given level.
 class LogCapture {

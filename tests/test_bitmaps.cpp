@@ -15,11 +15,6 @@ using mfb::BitmapInfo;
 using mfb::Bytes;
 using Pixels = std::vector<QRgb>;
 
-class WriterTestPeer {
-  public:
-    static void SelectClip(CMySVGWriter& w) { w.m_clipSelected = true; }
-};
-
 namespace {
 
 const int kSrcAnd = dib::kSrcAnd;
@@ -185,14 +180,17 @@ TEST(BitmapOutput, Base64LinesAndTheImageElement) {
     CMySVGWriter writer;
     writer.WriteBlt(10, 20, 40, 30, "QQ==\n");
     writer.SetWorldTransform(2, 0, 0, 2, 5, 7);
-    WriterTestPeer::SelectClip(writer);
+    writer.SelectClipPath(0);  // an empty clip path
     writer.WriteBlt(10, 20, 40, 30, "QQ==");
-    EXPECT_EQ(writer.TakeSVGOutput(),
-              "<image x=\"10\" y=\"20\" width=\"40\" height=\"30\" "
-              "xlink:href=\"data:image/png;base64,\nQQ==\n\"/>\n"
-              "<image x=\"25\" y=\"47\" width=\"85\" height=\"67\" "
-              "xlink:href=\"data:image/png;base64,\nQQ==\" " +
-                  writer.StyleManager().GetClipPath() + "/>\n");
+    EXPECT_EQ(
+        writer.TakeSVGOutput(),
+        "<image x=\"10\" y=\"20\" width=\"40\" height=\"30\" "
+        "xlink:href=\"data:image/png;base64,\nQQ==\n\"/>\n"
+        "\n<defs><clipPath id= \"ClPath1\">\n<path d = \"\" stroke=\"none\" stroke-width=\"1\"  "
+        "fill=\"none\" />\n</clipPath></defs>"
+        "<image x=\"25\" y=\"47\" width=\"85\" height=\"67\" "
+        "xlink:href=\"data:image/png;base64,\nQQ==\" " +
+            writer.StyleManager().GetClipPath() + "/>\n");
 }
 
 // Positions are mapped with the window origin (100, 100), sizes without. A PATCOPY blit is a

@@ -17,7 +17,7 @@ namespace {
 
 const char kXlink[] = "xmlns:xlink=\"http://www.w3.org/1999/xlink\"";
 
-TEST(SvgRepair, DeclaresXlinkOnTheRootAndKeepsTheLastOfRepeatedAttributes) {
+TEST(SvgRepair, DeclaresXlinkKeepsTheLastOfRepeatedAttributesAndReplacesForbiddenCharacters) {
     const std::string x = kXlink;
     const struct {
         std::string in, out;
@@ -46,6 +46,11 @@ TEST(SvgRepair, DeclaresXlinkOnTheRootAndKeepsTheLastOfRepeatedAttributes) {
         {"<svg a=\"1\" a=\"2", "<svg a=\"1\" a=\"2"},
         {"<g><h a=\"1\" a=\"2\" <!-- -->", "<g><h a=\"1\" a=\"2\" <!-- -->"},
         {"", ""},
+        // Characters XML does not allow, in text or values, become U+FFFD; tab, line feed and
+        // carriage return stay.
+        {std::string("<g a=\"\x01\">\t\x00\x1f\n\r\xef\xbf\xbe\xef\xbf\xbf\xef\xbf\xbd", 23),
+         "<g a=\"\xef\xbf\xbd\">\t\xef\xbf\xbd\xef\xbf\xbd\n\r\xef\xbf\xbd\xef\xbf\xbd"
+         "\xef\xbf\xbd"},
     };
     for (const auto& c : cases) {
         const QByteArray in = QByteArray::fromStdString(c.in);

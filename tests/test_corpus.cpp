@@ -23,7 +23,7 @@ TEST(Corpus, EveryFileEndsInADefinedResult) {
                 EXPECT_TRUE(status == 1 || status == 2 || status == -2)
                     << name.toStdString() << " " << status;
             if (status == 1 || status == 2) {
-                const QString svg = QString::fromUtf8(out);
+                const QString svg = QString::fromUtf8(out.constData(), out.size());
                 EXPECT_TRUE(svg.startsWith(QLatin1String("<?xml"))) << name.toStdString();
                 EXPECT_TRUE(svg.endsWith(QLatin1String("</svg>\n"))) << name.toStdString();
             }

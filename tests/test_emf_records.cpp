@@ -13,6 +13,7 @@
 
 using mfb::Bytes;
 using mfb::Emf;
+using mfb::U32s;
 using Points = std::vector<std::pair<int, int>>;
 
 namespace {
@@ -20,12 +21,6 @@ namespace {
 // The writer's style before any selection, and the pen text polylines get before any pen.
 const QString kCurrent = QStringLiteral(" stroke=\"black\" stroke-width=\"1\" fill=\"none\"");
 const QString kNoPen = QStringLiteral("stroke=\"none\" stroke-width=\"1\"  fill=\"none\" ");
-
-Bytes U32s(std::initializer_list<uint32_t> values) {
-    Bytes b;
-    for (uint32_t v : values) b.u32(v);
-    return b;
-}
 
 // A point-list or poly-list payload: bounds, `counts` (the point count; or the polygon count,
 // point count and each polygon's count), the points.
@@ -252,7 +247,7 @@ TEST(EmfPaths, BracketCollectsFiguresUntilFilledStrokedOrAborted) {
 // they go and no further.
 TEST(EmfMalformed, ShortAndNoisyRecordsAreSurvived) {
     uint32_t seed = 12345;
-    for (uint32_t type = 2; type <= 95; ++type) {
+    for (uint32_t type = 2; type <= 108; ++type) {
         for (int length = 0; length <= 96; length += 4) {
             Bytes noise;
             for (int i = 0; i < length; ++i, seed = seed * 1103515245u + 12345u)

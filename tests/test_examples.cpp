@@ -19,7 +19,7 @@ TEST(Examples, BundledFilesMatchTheGeneratorAndConvert) {
         EXPECT_EQ(file.readAll(), c.bytes) << c.file << ": regenerate with make_examples examples";
         const auto r = testutil::Convert(c.bytes);
         EXPECT_EQ(r.status, c.status) << c.file;
-        EXPECT_TRUE(r.svg.startsWith(testutil::Header(400, 300))) << c.file;
+        EXPECT_TRUE(r.svg.startsWith(testutil::Header(400, 450))) << c.file;
         EXPECT_TRUE(r.svg.endsWith(QStringLiteral("</svg>\n"))) << c.file;
     }
 }

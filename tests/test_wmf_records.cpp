@@ -19,7 +19,7 @@ namespace {
 
 // The function numbers of the records handled here.
 const uint16_t kHandled[] = {0x0102, 0x012D, 0x01F0, 0x0213, 0x0214, 0x02FA, 0x02FB, 0x02FC,
-                             0x0324, 0x0325, 0x0418, 0x041B, 0x0538, 0x061D, 0x0817};
+                             0x0324, 0x0325, 0x0418, 0x041B, 0x0538, 0x061D, 0x0817, 0x0A32};
 
 // Record parameters: WMF stores y before x, and rectangles bottom-right first.
 const auto Pen = [](int style, int w, uint32_t rgb) {

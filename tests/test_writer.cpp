@@ -1,6 +1,7 @@
 // Writer output for shapes, paths, curves, poly-draw lists and object records.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <functional>
 #include <string>
 #include <tuple>
@@ -10,11 +11,6 @@
 
 #include "TestUtil.h"
 #include "svg/SVGWriter.h"
-
-class WriterTestPeer {
-  public:
-    static void SelectClip(CMySVGWriter& w) { w.m_clipSelected = true; }
-};
 
 namespace {
 
@@ -82,16 +78,18 @@ TEST(WriterOutput, ShapesPathsAndCurves) {
              Line(9, 9, 0, 0)},
         {"rect takes the clip only while a clip path is selected and the style has none",
          [&](CMySVGWriter& w) {
-             w.StyleManager().ExtSetClipRgn(QByteArray("ClPath1"));
+             w.SetExtClipRgn(0, nullptr);  // a region clip: in the current style only
              w.DrawRect(1, 2, 3, 4, red, 5, 6);
-             WriterTestPeer::SelectClip(w);
+             w.SelectClipPath(0);  // its outline keeps the region clip of the pen style
              w.DrawRect(1, 2, 3, 4, red, 5, 6);
              w.DrawRect(1, 2, 3, 4, QByteArray(" clip-path=\"url(#X)\" "), 5, 6);
              w.StartPath();  // drops the clip
              w.DrawRect(1, 2, 3, 4, red, 5, 6);
          },
-         L(rect + R"( stroke="red" />)") +
-             L(rect + R"x( stroke="red" clip-path="url(#ClPath1)"/>)x") +
+         "\n<defs><clipPath id= \"ClPath1\"></clipPath></defs>" + L(rect + R"( stroke="red" />)") +
+             "\n<defs><clipPath id= \"ClPath2\">\n<path d = \"\" " + kPen +
+             L(R"x(clip-path="url(#ClPath1)"/>)x") + "</clipPath></defs>" +
+             L(rect + R"x( stroke="red" clip-path="url(#ClPath2)"/>)x") +
              L(rect + R"x( clip-path="url(#X)" />)x") + L(rect + R"( stroke="red" />)")},
         {"bracket data waits for a fill, a second fill has none; curves and close figure",
          [](CMySVGWriter& w) {
@@ -165,10 +163,14 @@ TEST(WriterObjects, HatchedBrushWritesItsPatternOnceAtCreation) {
 
 TEST(WriterObjects, GeometricPenWidthGoesThroughTheWorldTransform) {
     // Pen style, width, eM11, eDx, the stroke width.
-    const std::tuple<unsigned int, unsigned int, float, float, int> cases[] = {
+    const std::tuple<unsigned int, unsigned int, float, float, unsigned int> cases[] = {
         {0x10000, 3, 1.6f, 10, 14},  // 14.8: translated, then cut toward zero
         {0x10000, 3, -1.5f, 0, 4},   // mirrored: the magnitude of -4.5 cut toward zero
         {0x00000, 3, 1.5f, 10, 3},   // cosmetic pens keep their width
+        {0x10000, 3000000000u, 1, 0, 3000000000u},  // wider than int32, unsigned as cosmetic ones
+        {0x00000, 3000000000u, 1, 0, 3000000000u},
+        {0x10000, 3000000000u, -1, 0, 3000000000u},
+        {0x10000, 3, 1e30f, 0, 4294967295u},  // stops at the unsigned limit
     };
     for (const auto& [style, width, eM11, eDx, expected] : cases) {
         CMySVGWriter w;
@@ -188,8 +190,9 @@ TEST(WriterOutput, NumbersPrintAsATextStreamDoes) {
     out.Write(0, ' ', -7, ' ', INT64_MIN, ' ', UINT64_MAX, ' ', 3000000000u, ' ', 'x');
     EXPECT_EQ(out.Text().toStdString(),
               "0 -7 -9223372036854775808 18446744073709551615 3000000000 x");
-    const double reals[] = {0.0,  -0.0,      0.5,       1e-05,      123456.7, 1234567.0,  -3.25,
-                            1e21, 3959.125f, 734512.5f, 8612105.0f, 0.1f,     -78998.25f, 1e-300};
+    const double reals[] = {0.0,        -0.0,   0.5,       1e-05,     123456.7,   1234567.0,
+                            -3.25,      1e21,   3959.125f, 734512.5f, 8612105.0f, 0.1f,
+                            -78998.25f, 1e-300, INFINITY,  -INFINITY, NAN,        -NAN};
     for (double v : reals) {
         QString expected;
         QTextStream(&expected) << v;

@@ -191,8 +191,31 @@ class Repairer {
     std::vector<bool> m_drop;
 };
 
+// The length of the character at `i` that XML does not allow, or 0: a C0 control other than
+// tab, line feed and carriage return, or U+FFFE / U+FFFF (EF BF BE / EF BF BF in UTF-8).
+size_t ForbiddenAt(const QByteArray& s, int i) {
+    const unsigned char c = (unsigned char)s[i];
+    if (c < 0x20) return c == '\t' || c == '\n' || c == '\r' ? 0 : 1;
+    if (c == 0xEF && i + 2 < s.size() && (unsigned char)s[i + 1] == 0xBF &&
+        ((unsigned char)s[i + 2] | 1) == 0xBF)
+        return 3;
+    return 0;
+}
+
+// Replaces every character that XML does not allow by U+FFFD.
+QByteArray ReplaceForbidden(QByteArray svg) {
+    static const char kReplacement[] = "\xEF\xBF\xBD";
+    for (int i = 0; i < svg.size(); ++i) {
+        const size_t n = ForbiddenAt(svg, i);
+        if (n == 0) continue;
+        svg.replace(i, (int)n, kReplacement, 3);
+        i += 2;
+    }
+    return svg;
+}
+
 }  // namespace
 
 QByteArray RepairSvg(const QByteArray& svg) {
-    return Repairer(svg).Run();
+    return ReplaceForbidden(Repairer(svg).Run());
 }

@@ -21,8 +21,9 @@ const char kDescription[] =
 
 const char kEpilogue[] =
     "\nBy default the documents are adjusted to open in every SVG client: the root element\n"
-    "declares the xlink namespace, and an element that carries an attribute twice keeps\n"
-    "only the last. --exact writes the library's output unchanged.\n"
+    "declares the xlink namespace, an element that carries an attribute twice keeps only\n"
+    "the last, and characters XML does not allow become U+FFFD. --exact writes the\n"
+    "library's output unchanged.\n"
     "\n"
     "Environment: LIBLOGGING_LEVEL=TRACE|INFO|WARN|FATAL|OFF sets the diagnostic level.\n"
     "Exit status: 0 when every file converted, 1 when one did not, 2 for a usage error.\n";

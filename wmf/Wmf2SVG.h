@@ -97,6 +97,7 @@ class WMF2SVGConverter {
     int OnMetaEllipse(unsigned char* record, unsigned int size);
     int OnMetaPatBlt(unsigned char* record, unsigned int size);
     int OnMetaArc(unsigned char* record, unsigned int size);
+    int OnMetaExtTextOut(unsigned char* record, unsigned int size);
     void DrawMappedPolyLine(const unsigned char* record, unsigned int size, bool closed);
     tagRECT MapEdges(const tagWMRELLIPSE& record);
 

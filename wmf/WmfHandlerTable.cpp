@@ -58,6 +58,7 @@ const WMF2SVGConverter::HandlerEntry* WMF2SVGConverter::HandlerTable() {
         {0x0B41, &WMF2SVGConverter::OnDIBStretchBlt,
          sizeof(tagWMRDIBSTRETCHBLT)},                                        // META_DIBSTRETCHBLT
         {0x0F43, &WMF2SVGConverter::OnStretchDIB, sizeof(tagWMRSTRETCHBLT)},  // META_STRETCHDIB
+        {0x0A32, &WMF2SVGConverter::OnMetaExtTextOut, sizeof(tagWMREXTTEXTOUT)},  // META_EXTTEXTOUT
     };
     static const std::array<HandlerEntry, kHandlerTableSize> table = [] {
         std::array<HandlerEntry, kHandlerTableSize> entries{};
