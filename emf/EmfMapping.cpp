@@ -80,8 +80,10 @@ int Emf2SvgConverter::OnSetWindowsExt(unsigned char* record, unsigned int size) 
 
 int Emf2SvgConverter::OnSetViewPortOrgEx(unsigned char* record, unsigned int size) {
     if (size == 0) return 0;
-    // Stored for the text records; read in file order without normalising.
-    const tagEMRSETVIEWPORTORGEX& r = *reinterpret_cast<tagEMRSETVIEWPORTORGEX*>(record);
+    // Stored for the text records. Normalised like the window origin: read as stored, a
+    // big-endian host would place the text at byte-reversed positions.
+    tagEMRSETVIEWPORTORGEX& r = *reinterpret_cast<tagEMRSETVIEWPORTORGEX*>(record);
+    InitEMRORIGIN(r);
     m_viewportOrgX = r.ptlOrigin.x;
     m_viewportOrgY = r.ptlOrigin.y;
     return 1;
