@@ -3,6 +3,7 @@
 
 #include <QCryptographicHash>
 #include <QFile>
+#include <QLocale>
 #include <QTemporaryDir>
 #include <tuple>
 
