@@ -150,7 +150,7 @@ TEST(StyleFonts, TextsHeightsAndEscapement) {
         {true, "Caf\xe9", -12, 1, 1, 1, -1, 0, 7, 65524,
          " font-family=\"Caf\xe9\" font-size=\"65524\"  font-style=\"italic\"  "
          "text-decoration=\"underline\"  font-weight=\"65535\" \n"},
-        {true, "", 9, 0, 0, 0, 0, 0, 7, 9, " font-family=\"\" font-size=\"9\" "},
+        {true, "", 9, 0, 0, 1, 0, 0, 7, 9, " font-family=\"\" font-size=\"9\" "},
         {true, "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx", 0, 0, 0, 0, 0, 0, 7, 0,  // no NUL in the field
          " font-family=\"xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx\" font-size=\"0\" "},
     };
