@@ -118,15 +118,12 @@ TEST(WmfMapping, ScaleOriginAndWindowExtent) {
         if (extX >= 0) f.record(META_SETWINDOWEXT, yx(extY, extX));
         return f.build();
     };
+    const QByteArray moved =
+        Wmf().record(META_SETWINDOWEXT, yx(10, 10)).record(META_SETWINDOWORG, yx(100, 100)).build();
     const std::tuple<const char*, QByteArray, int, int, int, int> cases[] = {
         {"twips", Wmf().build(), 30, 2, 45, 2},
         {"twips, truncated toward zero", Wmf().build(), -29, -1, -45, -3},
-        {"window origin",
-         Wmf()
-             .record(META_SETWINDOWEXT, yx(10, 10))
-             .record(META_SETWINDOWORG, yx(100, 100))
-             .build(),
-         250, 10, 100, 0},
+        {"window origin", moved, 250, 10, 100, 0},
         {"distance wraps in 16 bits", Wmf().record(META_SETWINDOWORG, yx(0, -2)).build(), 32767,
          -2184, 32767, 2184},
         {"extent matches the box", placeable(1440, 2880, 2880, 1440), 2880, 192, 1440, 96},

@@ -81,9 +81,8 @@ TEST(RecordWalk, StopRules) {
          WmfLog(bk + "META_SETTEXTALIGN           \n" + "META_SETROP2    \n")},
         {"WMF: after EOF", wmf().record(META_EOF, {}).record(0x0104, wmfRop2).build(), WmfLog(bk)},
         {"WMF: size 0", wmf().recordWithSize(0x0104, 0, wmfRop2).build(), WmfLog(bk)},
-        {"WMF: record larger than the largest record",
-         wmf().maxRecord(5).recordWithSize(0x0104, 6, Bytes().u16(13).zeros(4)).build(),
-         WmfLog(bk)},
+        {"WMF: larger than mtMaxRecord",
+         wmf().maxRecord(5).recordWithSize(0x0104, 6, Bytes().zeros(6)).build(), WmfLog(bk)},
         {"WMF: past the end", wmf().recordWithSize(0x0104, 500, wmfRop2).build(false), WmfLog(bk)},
     };
     for (const auto& [what, file, log] : cases) {

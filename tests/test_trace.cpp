@@ -24,10 +24,8 @@ TEST(Trace, LinesOfEachLevel) {
                               .build());
         testutil::Convert(
             mfb::Wmf().record(mfb::META_SETWINDOWORG, mfb::Bytes().i16(0).i16(0)).build());
-        if (level == "TRACE")
-            traces = log.at(Level::Trace);
-        else
-            EXPECT_TRUE(log.at(Level::Trace).empty()) << level;
+        EXPECT_EQ(log.at(Level::Trace).empty(), level != "TRACE") << level;
+        if (level == "TRACE") traces = log.at(Level::Trace);
         const auto info = log.at(Level::Info);
         ASSERT_EQ(info.size(), level == "TRACE" || level == "INFO" ? 2u : 0u) << level;
         if (info.empty()) continue;
