@@ -60,9 +60,9 @@ TEST(StyleText, CapJoinAndDashTexts) {
     };
     for (const auto& [width, style, text] : cases)
         EXPECT_EQ(sm.GetDashArray(width, style, nullptr, 0), text) << std::hex << style;
-    // User styles without entries write no dash array (their entries run end to end in the EMF
-    // pen tests).
+    // User styles read only `count` entries, and none without entries.
     const unsigned int user[] = {3, 1, 2, 9};
+    EXPECT_EQ(sm.GetDashArray(1, 7, user, 3), kRoundCapJoin + "stroke-dasharray=\" 3,1,2\" ");
     EXPECT_EQ(sm.GetDashArray(1, 7, user, 0), kRoundCapJoin);
     EXPECT_EQ(sm.GetDashArray(1, 7, nullptr, 3), kRoundCapJoin);
 }
