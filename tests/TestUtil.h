@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "CLogSystem.h"
+#include "byteorder/BEndTools.h"
 
 // Failing comparisons show QString values as text.
 inline void PrintTo(const QString& s, std::ostream* os) {
@@ -41,20 +42,22 @@ class LogCapture {
   public:
     explicit LogCapture(const std::string& level = "WARN");
     ~LogCapture();
-    const std::vector<std::pair<basic_logging::Level, std::string>>& lines() const;
+    const std::vector<std::pair<basic_logging::Level, std::string>>& lines() const {
+        return m_lines;
+    }
     // Lines of one level.
     std::vector<std::string> at(basic_logging::Level level) const;
 
   private:
     std::string m_oldLevel;
+    std::vector<std::pair<basic_logging::Level, std::string>> m_lines;
 };
 
 // While it lives, the byte-order test answers "big-endian": a metafile built with
 // build(..., swapped = true) then reads as a little-endian file does on a big-endian host.
-class ForceBigEndian {
-  public:
-    ForceBigEndian();
-    ~ForceBigEndian();
+struct ForceBigEndian {
+    ForceBigEndian() { SetByteOrderOverride(true, true); }
+    ~ForceBigEndian() { SetByteOrderOverride(false, false); }
 };
 
 // Files of the shared corpus under `folder` ("emf", "wmf", ...); empty when it is absent.
