@@ -5,11 +5,13 @@
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
+#include <QSysInfo>
 #include <ostream>
 #include <string>
 #include <vector>
 
 #include "CLogSystem.h"
+#include "byteorder/BEndTools.h"
 
 // Failing comparisons show QString values as text.
 inline void PrintTo(const QString& s, std::ostream* os) {
@@ -41,12 +43,15 @@ class LogCapture {
   public:
     explicit LogCapture(const std::string& level = "WARN");
     ~LogCapture();
-    const std::vector<std::pair<basic_logging::Level, std::string>>& lines() const;
+    const std::vector<std::pair<basic_logging::Level, std::string>>& lines() const {
+        return m_lines;
+    }
     // Lines of one level.
     std::vector<std::string> at(basic_logging::Level level) const;
 
   private:
     std::string m_oldLevel;
+    std::vector<std::pair<basic_logging::Level, std::string>> m_lines;
 };
 
 // While it lives, the byte-order test gives the opposite of the host's order, so that the
@@ -54,10 +59,9 @@ class LogCapture {
 // then reads as a little-endian file does on a big-endian host. On a little-endian host the
 // test answers "big-endian"; on a big-endian one it answers "little-endian", since there the
 // swapped file is in host order (and the real big-endian path runs on the unswapped files).
-class ForceBigEndian {
-  public:
-    ForceBigEndian();
-    ~ForceBigEndian();
+struct ForceBigEndian {
+    ForceBigEndian() { SetByteOrderOverride(true, QSysInfo::ByteOrder == QSysInfo::LittleEndian); }
+    ~ForceBigEndian() { SetByteOrderOverride(false, false); }
 };
 
 // Files of the shared corpus under `folder` ("emf", "wmf", ...); empty when it is absent.

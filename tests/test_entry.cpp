@@ -4,166 +4,98 @@
 
 #include <QFile>
 #include <QTemporaryDir>
+#include <functional>
+#include <tuple>
 
 #include "svgmodule.h"
 #include "tests/MetafileBuilder.h"
 #include "tests/TestUtil.h"
 
+using mfb::Emf;
+using mfb::Wmf;
 using testutil::Convert;
 using testutil::Document;
 
-namespace {
-
-const QByteArray kUntouched("caller's bytes");
-
-QByteArray Repeat(char c, int n) {
-    return QByteArray(n, c);
-}
-
-}  // namespace
-
-TEST(EntryPoints, EmptyMetafilesAreHeaderAndFooter) {
-    const auto emf = Convert(mfb::Emf().build());
-    EXPECT_EQ(emf.status, 1);
-    EXPECT_EQ(emf.svg, Document(100, 100, QString()));
-
-    const auto wmf = Convert(mfb::Wmf().build());
-    EXPECT_EQ(wmf.status, 2);
-    EXPECT_EQ(wmf.svg, Document(1024, 768, QString()));
-
-    const auto placeable = Convert(mfb::Wmf().placeable(0, 0, 2880, 1440, 1440).build());
-    EXPECT_EQ(placeable.status, 2);
-    EXPECT_EQ(placeable.svg, Document(192, 96, QString()));
-}
-
-TEST(EntryPoints, RefusalsLeaveTheOutputUntouched) {
-    QByteArray trailing = mfb::Emf().build();
-    trailing.append('\0');
-    QByteArray truncated = mfb::Emf().build();
-    truncated.chop(4);
-    QByteArray badWmfHeader = mfb::Wmf().build();
-    badWmfHeader[2] = 8;  // mtHeaderSize
-    QByteArray wmfWithParameters = mfb::Wmf().build();
-    wmfWithParameters[16] = 1;  // mtNoParameters
-
-    const struct {
-        const char* what;
-        QByteArray input;
-        int status;
-    } cases[] = {
-        {"empty", QByteArray(), 0},
-        {"shorter than a WMF header", Repeat('\1', 17), 0},
-        {"short input is taken as WMF", Repeat('\1', 40), -3},
-        {"random bytes without EMF signature", Repeat('\x5a', 300), -3},
-        {"EMF with a trailing byte", trailing, -2},
-        {"EMF shorter than its nBytes", truncated, -2},
-        {"WMF header size not 9", badWmfHeader, -3},
-        {"WMF with parameters", wmfWithParameters, -3},
+// Each entry's status, what it leaves in the caller's array and whether it warns. Metafiles
+// without drawing records convert to the header and footer at the picture size of their
+// headers; a refusal leaves the caller's bytes as they were, and only a size mismatch warns.
+TEST(EntryPoints, StatusOutputAndWarnings) {
+    using Entry = std::function<int(QByteArray&)>;
+    const auto detect = [](const QByteArray& in) {
+        return Entry([in](QByteArray& out) { return ConvertMetaFileToSVG(in, out); });
     };
-    for (const auto& c : cases) {
-        QByteArray out = kUntouched;
-        EXPECT_EQ(ConvertMetaFileToSVG(c.input, out), c.status) << c.what;
-        EXPECT_EQ(out, kUntouched) << c.what;
-    }
-}
-
-TEST(EntryPoints, SizeMismatchWritesTheWarning) {
-    testutil::LogCapture log;
-    QByteArray emf = mfb::Emf().build();
-    emf.append('\0');
-    QByteArray out;
-    EXPECT_EQ(ConvertEMFToSVG(emf.constData(), out, (unsigned long)emf.size()), -2);
-    const auto warnings = log.at(basic_logging::Level::Warn);
-    ASSERT_EQ(warnings.size(), 1u);
-    EXPECT_EQ(warnings[0].substr(0, 8), "SVGTool\t");
-    EXPECT_NE(warnings[0].find("\t Invalid EMF data "), std::string::npos);
-}
-
-TEST(EntryPoints, RawPointerEntriesRefuseWhatCannotBeRead) {
-    const QByteArray emf = mfb::Emf().build();
-    QByteArray out = kUntouched;
-    EXPECT_EQ(ConvertEMFToSVG(emf.constData(), out, 87), 0);
-    EXPECT_EQ(ConvertEMFToSVG(nullptr, out, 200), 0);
-    EXPECT_EQ(ConvertWMFToSVG(nullptr, out), 0);
-    EXPECT_EQ(out, kUntouched);
-
-    const QByteArray wmf = mfb::Wmf().placeable(0, 0, 2880, 1440, 1440).build();
-    EXPECT_EQ(ConvertWMFToSVG(wmf.constData(), out), 2);
-    EXPECT_EQ(QString::fromUtf8(out), Document(192, 96, QString()));
-}
-
-TEST(EntryPoints, EmfPictureSize) {
-    const struct {
-        const char* what;
-        mfb::Emf emf;
-        int width, height;
-    } cases[] = {
-        {"A4 frame at 3.2 units per mm",
-         mfb::Emf()
-             .bounds(0, 0, 671, 949)
-             .frame(0, 0, 21000, 29700)
-             .device(1024, 768)
-             .millimeters(320, 240),
-         672, 950},
-        {"halves round up", mfb::Emf().frame(0, 0, 25, 75).device(2, 2).millimeters(1, 1), 1, 2},
-        {"no millimetre size: 96 dpi", mfb::Emf().frame(0, 0, 2540, 5080).millimeters(0, 0), 96,
-         192},
-        {"zero-size bounds", mfb::Emf().bounds(5, 5, 5, 5).frame(0, 0, 3125, 3125), 100, 100},
-        {"empty frame", mfb::Emf().frame(10, 10, 10, 10), 0, 0},
+    const auto patched = [](QByteArray b, int at, char v) { return b.replace(at, 1, &v, 1); };
+    const auto empty = [](int width, int height) { return Document(width, height, QString()); };
+    const QString kept = QStringLiteral("caller's bytes");
+    const QByteArray emf = Emf().build(), wmf = Wmf().build();
+    const QByteArray placeable = Wmf().placeable(0, 0, 2880, 1440, 1440).build();
+    const std::tuple<const char*, Entry, int, QString> cases[] = {
+        {"A4 frame at the default 3.2 units per mm",
+         detect(Emf().bounds(0, 0, 671, 949).frame(0, 0, 21000, 29700).build()), 1,
+         empty(672, 950)},
+        {"halves round up",
+         detect(Emf().frame(0, 0, 25, 75).device(2, 2).millimeters(1, 1).build()), 1, empty(1, 2)},
+        {"no millimetre size: 96 dpi",
+         detect(Emf().frame(0, 0, 2540, 5080).millimeters(0, 0).build()), 1, empty(96, 192)},
+        {"zero-size bounds", detect(Emf().bounds(5, 5, 5, 5).frame(0, 0, 3125, 3125).build()), 1,
+         empty(100, 100)},
+        {"empty frame", detect(Emf().frame(10, 10, 10, 10).build()), 1, empty(0, 0)},
         {"huge frame saturates",
-         mfb::Emf().frame(0, 0, 2147483647, 100).device(2147483647, 1).millimeters(1, 1),
-         2147483647, 1},
+         detect(Emf().frame(0, 0, 2147483647, 100).device(2147483647, 1).millimeters(1, 1).build()),
+         1, empty(2147483647, 1)},
+        {"WMF of 18 bytes, without records", detect(Wmf().build(false)), 2, empty(1024, 768)},
+        {"WMF declaring more than supplied", detect(patched(wmf, 6, (char)200)), 2,
+         empty(1024, 768)},
+        {"placeable WMF", detect(placeable), 2, empty(192, 96)},
+        {"placeable WMF by pointer",
+         [&](QByteArray& out) { return ConvertWMFToSVG(placeable.constData(), out); }, 2,
+         empty(192, 96)},
+        {"empty", detect(QByteArray()), 0, kept},
+        {"shorter than a WMF header", detect(QByteArray(17, '\1')), 0, kept},
+        {"short input is taken as WMF", detect(QByteArray(40, '\1')), -3, kept},
+        {"random bytes without EMF signature", detect(QByteArray(300, '\x5a')), -3, kept},
+        {"EMF with a trailing byte", detect(emf + '\0'), -2, kept},
+        {"EMF shorter than its nBytes", detect(emf.left(emf.size() - 4)), -2, kept},
+        {"WMF header size not 9", detect(patched(wmf, 2, 8)), -3, kept},
+        {"WMF with parameters", detect(patched(wmf, 16, 1)), -3, kept},
+        {"EMF pointer shorter than a header",
+         [&](QByteArray& out) { return ConvertEMFToSVG(emf.constData(), out, 87); }, 0, kept},
+        {"EMF null pointer", [](QByteArray& out) { return ConvertEMFToSVG(nullptr, out, 200); }, 0,
+         kept},
+        {"WMF null pointer", [](QByteArray& out) { return ConvertWMFToSVG(nullptr, out); }, 0,
+         kept},
+        {"missing file",
+         [](QByteArray& out) { return WMFToSVG(QStringLiteral("/nonexistent/a.wmf"), out); }, 0,
+         kept},
     };
-    for (const auto& c : cases) {
-        const auto r = Convert(c.emf.build());
-        EXPECT_EQ(r.status, 1) << c.what;
-        EXPECT_EQ(r.svg, Document(c.width, c.height, QString())) << c.what;
+    for (const auto& [what, entry, status, output] : cases) {
+        testutil::LogCapture log;
+        QByteArray out = kept.toUtf8();
+        EXPECT_EQ(entry(out), status) << what;
+        EXPECT_EQ(QString::fromUtf8(out), output) << what;
+        const auto warnings = log.at(basic_logging::Level::Warn);
+        ASSERT_EQ(warnings.size(), status == -2 ? 1u : 0u) << what;
+        if (status != -2) continue;
+        EXPECT_EQ(warnings[0].substr(0, 8), "SVGTool\t");
+        EXPECT_NE(warnings[0].find("\t Invalid EMF data "), std::string::npos);
     }
 }
 
-TEST(EntryPoints, ShortWmfInputsGoTheWmfWay) {
-    // An 18-byte WMF, a header without records, converts.
-    QByteArray wmf = mfb::Wmf().build(false);
-    ASSERT_EQ(wmf.size(), 18);
-    EXPECT_EQ(Convert(wmf).status, 2);
-
-    // A header that declares more than was supplied converts what is present.
-    QByteArray longer = mfb::Wmf().build();
-    longer[6] = (char)200;
-    EXPECT_EQ(Convert(longer).status, 2);
-}
-
-TEST(EntryPoints, FileEntryReadsBothFormats) {
-    QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
-    const QString emfPath = dir.filePath(QStringLiteral("a.emf"));
-    const QString wmfPath = dir.filePath(QStringLiteral("a.wmf"));
-    for (const auto& f : {std::make_pair(emfPath, mfb::Emf().build()),
-                          std::make_pair(wmfPath, mfb::Wmf().build())}) {
-        QFile file(f.first);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(f.second);
-    }
-    QByteArray out;
-    EXPECT_EQ(WMFToSVG(emfPath, out), 1);
-    EXPECT_EQ(WMFToSVG(wmfPath, out), 2);
-    out = kUntouched;
-    EXPECT_EQ(WMFToSVG(dir.filePath(QStringLiteral("missing.wmf")), out), 0);
-    EXPECT_EQ(out, kUntouched);
-}
-
-TEST(EntryPoints, HostFindsThePlainNamesWithDlopen) {
+// A host resolves the plain names with dlopen and converts bytes and files.
+TEST(EntryPoints, HostCallsThePlainNamesThroughDlopen) {
     void* lib = dlopen(SVGMODULE_LIBRARY_PATH, RTLD_NOW | RTLD_LOCAL);
     ASSERT_NE(lib, nullptr) << dlerror();
     auto convert = reinterpret_cast<ConvertMetaFileToSVGFn>(dlsym(lib, "ConvertMetaFileToSVG"));
     auto fromFile = reinterpret_cast<WMFToSVGFn>(dlsym(lib, "WMFToSVG"));
-    ASSERT_NE(convert, nullptr);
-    ASSERT_NE(fromFile, nullptr);
-    EXPECT_EQ(dlsym(lib, "ConvertEMFToSVG"), nullptr);  // exported under its C++ name only
-
+    ASSERT_TRUE(convert && fromFile);
     QByteArray out;
-    EXPECT_EQ(convert(mfb::Emf().build(), out), 1);
+    EXPECT_EQ(convert(Emf().build(), out), 1);
     EXPECT_EQ(QString::fromUtf8(out), Document(100, 100, QString()));
-    EXPECT_EQ(fromFile(QStringLiteral("/nonexistent/file.emf"), out), 0);
+    QTemporaryDir dir;
+    QFile file(dir.filePath(QStringLiteral("a.wmf")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(Wmf().build()) > 0);
+    file.close();
+    EXPECT_EQ(fromFile(file.fileName(), out), 2);
+    EXPECT_EQ(QString::fromUtf8(out), Document(1024, 768, QString()));
     dlclose(lib);
 }

@@ -1,11 +1,12 @@
 // Coordinate mapping of both interpreters, driven by their mapping records.
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <array>
 #include <cstring>
+#include <memory>
+#include <tuple>
 
 #include "api/Logger.h"
-#include "byteorder/BEndTools.h"
 #include "emf/Emf2SVG.h"
 #include "tests/MetafileBuilder.h"
 #include "tests/TestUtil.h"
@@ -13,226 +14,142 @@
 
 namespace {
 
-using mfb::Bytes;
+using namespace mfb;
 
-// Runs a converter over a file and keeps it for questions about its mapping.
-struct EmfRun {
-    explicit EmfRun(const QByteArray& file) : bytes(file) {
-        converter.ConvertEMFToSVG(reinterpret_cast<unsigned char*>(bytes.data()), g_Logger);
-    }
-    QByteArray bytes;
-    Emf2SvgConverter converter;
-};
-
-Bytes Size(int cx, int cy) {
-    return Bytes().i32(cx).i32(cy);
+// Converters run over a file, kept for questions about their mapping.
+std::unique_ptr<Emf2SvgConverter> RunEmf(QByteArray file) {
+    auto converter = std::make_unique<Emf2SvgConverter>();
+    converter->ConvertEMFToSVG(reinterpret_cast<unsigned char*>(file.data()), g_Logger);
+    return converter;
+}
+std::unique_ptr<WMF2SVGConverter> RunWmf(QByteArray file) {
+    auto converter = std::make_unique<WMF2SVGConverter>();
+    _PlaceableMetaHeader ph{};
+    std::memcpy(&ph, file.constData(), sizeof ph);
+    InitPlaceableMetaHeader(ph);
+    const bool placeable = ph.Key == PLACEABLE_KEY;
+    converter->InitializeCoordinates(placeable, ph);
+    converter->ConvertWMFToSVG(
+        reinterpret_cast<unsigned char*>(file.data()) + (placeable ? 40 : 18),
+        (unsigned long)file.size(), 1000, g_Logger);
+    return converter;
 }
 
-mfb::Emf Anisotropic() {
-    return mfb::Emf().record(mfb::EMR_SETMAPMODE, Bytes().u32(8));
+QString Text(const tagXFORM& t) {
+    return QString::asprintf("%g %g %g %g %g %g", t.eM11, t.eM12, t.eM21, t.eM22, t.eDx, t.eDy);
 }
 
 }  // namespace
 
-TEST(EmfMapping, IdentityByDefault) {
-    EmfRun run(mfb::Emf().build());
-    for (int x : {0, 1, -1, 100, -12345, 16777216, -16777216}) {
-        EXPECT_EQ(run.converter.MapX(x, 1), x);
-        EXPECT_EQ(run.converter.MapY(x, 1), x);
-        EXPECT_EQ(run.converter.MapX(x, 0), x);
-    }
-}
-
-TEST(EmfMapping, ExtentsSetTheDivisorsOnlyInAnisotropicMode) {
-    const struct {
-        const char* what;
-        QByteArray file;
-        float divisorX, divisorY;
-    } cases[] = {
-        {"window then viewport",
-         Anisotropic().record(9, Size(1000, 1000)).record(11, Size(500, 500)).build(), 2, 2},
-        {"viewport then window keeps the header ratio",
-         Anisotropic().record(11, Size(500, 500)).record(9, Size(1000, 1000)).build(), 31.25f,
-         31.25f},
-        {"negative viewport mirrors",
-         Anisotropic().record(9, Size(1000, 1000)).record(11, Size(500, -500)).build(), 2, -2},
-        {"zero extent leaves the divisor",
-         Anisotropic().record(9, Size(1000, 0)).record(11, Size(500, 500)).build(), 2, 31.25f},
-        {"not anisotropic",
-         mfb::Emf().record(9, Size(1000, 1000)).record(11, Size(500, 500)).build(), 1, 1},
-        {"MM_TEXT after MM_ANISOTROPIC keeps it",
-         Anisotropic()
-             .record(17, Bytes().u32(1))
-             .record(9, Size(1000, 1000))
-             .record(11, Size(500, 500))
-             .build(),
-         2, 2},
+// Without MM_ANISOTROPIC the divisors are 1. The default header's frame gives 31.25 units per
+// logical unit, which MM_ANISOTROPIC keeps until both extents of an axis are known and
+// non-zero. Lengths (withOrigin 0) round half up; positions truncate after the window and
+// picture origins are subtracted.
+TEST(EmfMapping, DivisorsRoundingAndOrigins) {
+    using Record = std::pair<uint32_t, Bytes>;
+    const auto emf = [](std::initializer_list<Record> records, Emf e = Emf()) {
+        for (const auto& r : records) e.record(r.first, r.second);
+        return e.build();
     };
-    for (const auto& c : cases) {
-        EmfRun run(c.file);
-        EXPECT_EQ(run.converter.MapX(1000, 0), (int)std::floor(1000 / c.divisorX + 0.5)) << c.what;
-        EXPECT_EQ(run.converter.MapY(1000, 0), (int)std::floor(1000 / c.divisorY + 0.5)) << c.what;
+    const auto mode = [](uint32_t m) { return Record{EMR_SETMAPMODE, Bytes().u32(m)}; };
+    const auto window = [](int x, int y) { return Record{9, Bytes().i32(x).i32(y)}; };
+    const auto viewport = [](int x, int y) { return Record{11, Bytes().i32(x).i32(y)}; };
+    const QByteArray halved = emf({mode(8), window(1000, 1000), viewport(500, 500)});
+    const std::tuple<const char*, QByteArray, int, int, int, int> cases[] = {
+        {"window then viewport", halved, 1000, 0, 500, 500},
+        {"viewport then window", emf({mode(8), viewport(500, 500), window(1000, 1000)}), 1000, 0,
+         32, 32},
+        {"negative viewport", emf({mode(8), window(1000, 1000), viewport(500, -500)}), 1000, 0, 500,
+         -500},
+        {"zero extent", emf({mode(8), window(1000, 0), viewport(500, 500)}), 1000, 0, 500, 32},
+        {"not anisotropic", emf({window(1000, 1000), viewport(500, 500)}), 1000, 0, 1000, 1000},
+        {"MM_TEXT after MM_ANISOTROPIC",
+         emf({mode(8), mode(1), window(1000, 1000), viewport(500, 500)}), 1000, 0, 500, 500},
+        {"length rounds half up", halved, 5, 0, 3, 3},
+        {"position truncates", halved, 5, 1, 2, 2},
+        {"negative length rounds half up", halved, -5, 0, -2, -2},
+        {"negative position truncates", halved, -5, 1, -2, -2},
+        // The frame's corner matches the bounds' (40, 30): that is the picture origin.
+        {"window and picture origins",
+         emf({mode(8), window(200, 200), viewport(100, 100), {10, Bytes().i32(100).i32(50)}},
+             Emf().bounds(40, 30, 140, 130).frame(1250, 938, 4375, 4063)),
+         300, 1, 150 - 100 - 40, 150 - 50 - 30},
+        {"one axis agreeing is enough",
+         Emf().bounds(40, 30, 140, 130).frame(1250, 2000, 4375, 5125).build(), 10, 1, -30, -20},
+        {"picture origin from the frame",
+         Emf().bounds(0, 0, 100, 100).frame(1000, 2000, 4125, 5125).build(), 10, 1, 0, -10},
+    };
+    for (const auto& [what, file, in, withOrigin, x, y] : cases) {
+        const auto converter = RunEmf(file);
+        EXPECT_EQ(converter->MapX(in, withOrigin), x) << what;
+        EXPECT_EQ(converter->MapY(in, withOrigin), y) << what;
     }
 }
 
-TEST(EmfMapping, LengthsRoundHalfUpPositionsTruncate) {
-    EmfRun run(Anisotropic().record(9, Size(1000, 1000)).record(11, Size(500, 500)).build());
-    const struct {
-        int in, position, length;
-    } cases[] = {{100, 50, 50}, {101, 50, 51}, {5, 2, 3}, {-5, -2, -2}, {-3, -1, -1}, {-7, -3, -3}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(run.converter.MapX(c.in, 1), c.position) << c.in;
-        EXPECT_EQ(run.converter.MapX(c.in, 0), c.length) << c.in;
-    }
-}
-
-TEST(EmfMapping, WindowAndPictureOriginsAreSubtractedAfterDividing) {
-    // Bounds at (40, 30) matching the frame: the picture origin is (40, 30).
-    EmfRun run(Anisotropic()
-                   .bounds(40, 30, 140, 130)
-                   .frame(1250, 938, 4375, 4063)
-                   .record(9, Size(200, 200))
-                   .record(11, Size(100, 100))
-                   .record(mfb::EMR_SETWINDOWORGEX, Bytes().i32(100).i32(50))
-                   .build());
-    EXPECT_EQ(run.converter.MapX(300, 1), 300 / 2 - 100 - 40);
-    EXPECT_EQ(run.converter.MapY(300, 1), 300 / 2 - 50 - 30);
-    EXPECT_EQ(run.converter.MapX(300, 0), 150);
-}
-
-TEST(EmfMapping, PictureOriginFromFrameWhenBoundsDisagree) {
-    EmfRun run(mfb::Emf().bounds(0, 0, 100, 100).frame(1000, 2000, 4125, 5125).build());
-    EXPECT_EQ(run.converter.MapX(10, 1), 10 - 10);
-    EXPECT_EQ(run.converter.MapY(10, 1), 10 - 20);
-}
-
-TEST(EmfMapping, WorldTransformAppliesToMapPointOnly) {
-    // Rotation by 90 degrees: (10, 0) becomes (0, 10).
-    EmfRun run(
-        mfb::Emf()
-            .record(mfb::EMR_SETWORLDTRANSFORM, Bytes().f32(0).f32(1).f32(-1).f32(0).f32(0).f32(0))
-            .build());
-    tagPOINTS out{};
-    run.converter.MapPoint(tagPOINTS{10, 0}, out);
-    EXPECT_EQ(out.x, 0);
-    EXPECT_EQ(out.y, 10);
-    EXPECT_EQ(run.converter.MapX(10, 1), 10);
-    const tagXFORM& w = run.converter.Writer().WorldTransform();
-    EXPECT_EQ(w.eM12, 1.0f);
-    EXPECT_EQ(w.eM21, -1.0f);
-
-    // Each product is rounded to a float before it is added: 4097 * (1 - 2^-13) rounds to
-    // 4096.5, so both coordinates come to 100. A fused multiply-add, which a compiler may emit
-    // for an FMA machine (s390x, or x86 with -march=haswell), gives 99 on one axis at least.
+// MapPoint rounds each product to a float before it is added: 4097 * (1 - 2^-13) rounds to
+// 4096.5, so both coordinates come to 100. A fused multiply-add, which a compiler may emit for
+// an FMA machine (s390x, or x86 with -march=haswell), gives 99 on one axis at least.
+TEST(WorldTransform, MapPointRoundsEachProduct) {
     const float nearOne = 1.0f - 1.0f / 8192;
-    EmfRun fused(
-        mfb::Emf()
-            .record(mfb::EMR_SETWORLDTRANSFORM,
-                    Bytes().f32(nearOne).f32(-1).f32(-1).f32(nearOne).f32(100.5f).f32(100.5f))
-            .build());
-    fused.converter.MapPoint(tagPOINTS{4097, 4097}, out);
+    const Bytes xform = Bytes().f32(nearOne).f32(-1).f32(-1).f32(nearOne).f32(100.5f).f32(100.5f);
+    tagPOINTS out{};
+    RunEmf(Emf().record(EMR_SETWORLDTRANSFORM, xform).build())
+        ->MapPoint(tagPOINTS{4097, 4097}, out);
     EXPECT_EQ(out.x, 100);
     EXPECT_EQ(out.y, 100);
 }
 
-TEST(WorldTransform, ModifyModes) {
-    CMySVGWriter w;
-    EXPECT_TRUE(w.ModifyWorldTransform(2, 0, 0, 2, 10, 20, 2));
-    EXPECT_TRUE(w.ModifyWorldTransform(2, 0, 0, 2, 10, 20, 2));
-    EXPECT_EQ(w.WorldTransform().eM11, 4.0f);
-    EXPECT_EQ(w.WorldTransform().eM22, 4.0f);
-    EXPECT_EQ(w.WorldTransform().eDx, 10.0f);  // replaced, not composed
-    EXPECT_TRUE(w.ModifyWorldTransform(1, 2, 3, 4, 5, 6, 3));
-    EXPECT_EQ(w.WorldTransform().eM11, 4.0f);
-    EXPECT_EQ(w.WorldTransform().eM12, 8.0f);
-    EXPECT_FALSE(w.ModifyWorldTransform(9, 9, 9, 9, 9, 9, 0));
-    EXPECT_FALSE(w.ModifyWorldTransform(9, 9, 9, 9, 9, 9, 5));
-    EXPECT_EQ(w.WorldTransform().eDx, 5.0f);
-    EXPECT_TRUE(w.ModifyWorldTransform(9, 9, 9, 9, 9, 9, 1));
-    EXPECT_EQ(w.WorldTransform().eM11, 1.0f);
-    EXPECT_EQ(w.WorldTransform().eDy, 0.0f);
-}
-
-namespace {
-
-// A WMF converter prepared from a file's headers and run over its records.
-struct WmfRun {
-    explicit WmfRun(const QByteArray& file) : bytes(file) {
-        _PlaceableMetaHeader ph{};
-        std::memcpy(&ph, bytes.constData(), sizeof ph);
-        InitPlaceableMetaHeader(ph);
-        const bool placeable = ph.Key == PLACEABLE_KEY;
-        converter.InitializeCoordinates(placeable, ph);
-        const int headers = placeable ? 40 : 18;
-        converter.ConvertWMFToSVG(reinterpret_cast<unsigned char*>(bytes.data()) + headers,
-                                  (unsigned long)bytes.size(), 1000, g_Logger);
-    }
-    QByteArray bytes;
-    WMF2SVGConverter converter;
-};
-
-Bytes Pair(int first, int second) {
-    return Bytes().i16((int16_t)first).i16((int16_t)second);
-}
-
-}  // namespace
-
-TEST(WmfMapping, TwipsWithoutPlaceableHeader) {
-    WmfRun plain(mfb::Wmf().build());
-    EXPECT_EQ(plain.converter.MapX(30), 2);
-    EXPECT_EQ(plain.converter.MapY(45), 2);  // (45 - 1) / 15 truncated
-    EXPECT_EQ(plain.converter.MapX(-29), -1);
-
-    // A window extent changes nothing; a window origin shifts.
-    WmfRun moved(mfb::Wmf()
-                     .record(mfb::META_SETWINDOWEXT, Pair(10, 10))
-                     .record(mfb::META_SETWINDOWORG, Pair(100, 100))
-                     .build());
-    EXPECT_EQ(moved.converter.MapX(100), 0);
-    EXPECT_EQ(moved.converter.MapY(100), 0);
-    EXPECT_EQ(moved.converter.MapX(250), 10);
-    // The distance from the window origin wraps in 16 bits.
-    WmfRun wrapped(mfb::Wmf().record(mfb::META_SETWINDOWORG, Pair(0, -2)).build());
-    EXPECT_EQ(wrapped.converter.MapX(32767), -2184);
-}
-
-TEST(WmfMapping, PlaceableFilesStretchByTheWindowExtent) {
-    const auto file = [](int extX, int extY) {
-        return mfb::Wmf()
-            .placeable(0, 0, 2880, 1440, 1440)
-            .record(mfb::META_SETWINDOWORG, Pair(0, 0))
-            .record(mfb::META_SETWINDOWEXT, Pair(extY, extX))
-            .build();
+// EMR_SETWORLDTRANSFORM hands the matrix (here a rotation by 90 degrees) to the writer, whose
+// modify modes follow: left and right multiplication differ for this matrix, the translation
+// is replaced rather than composed, and an unknown mode changes nothing.
+TEST(WorldTransform, SetReachesTheWriterAndModifyModesCompose) {
+    const Bytes rotation = Bytes().f32(0).f32(1).f32(-1).f32(0).f32(0).f32(0);
+    const auto converter = RunEmf(Emf().record(EMR_SETWORLDTRANSFORM, rotation).build());
+    CMySVGWriter& w = converter->Writer();
+    EXPECT_EQ(Text(w.WorldTransform()), "0 1 -1 0 0 0");
+    const std::tuple<unsigned long, std::array<float, 6>, bool, const char*> steps[] = {
+        {2, {1, 2, 3, 4, 5, 6}, true, "-2 1 -4 3 5 6"},
+        {3, {0, 1, 1, 0, 0, 0}, true, "1 -2 3 -4 0 0"},
+        {0, {9, 9, 9, 9, 9, 9}, false, "1 -2 3 -4 0 0"},
+        {5, {9, 9, 9, 9, 9, 9}, false, "1 -2 3 -4 0 0"},
+        {4, {2, 0, 0, 2, 10, 20}, true, "2 0 0 2 10 20"},
+        {1, {9, 9, 9, 9, 9, 9}, true, "1 0 0 1 0 0"},
     };
-    WmfRun same(file(2880, 1440));
-    EXPECT_EQ(same.converter.MapX(2880), 192);
-    EXPECT_EQ(same.converter.MapY(1440), 96);
-    WmfRun half(file(1440, 720));
-    EXPECT_EQ(half.converter.MapX(2880), 384);
-    EXPECT_EQ(half.converter.MapY(1440), 192);
-    // A zero extent makes the factors the picture size itself.
-    WmfRun zero(file(0, 720));
-    EXPECT_EQ(zero.converter.MapX(15), 2880);
-    // Before any window extent the window matches the bounding box.
-    WmfRun none(mfb::Wmf()
-                    .placeable(0, 0, 2880, 1440, 1440)
-                    .record(mfb::META_SETWINDOWORG, Pair(0, 0))
-                    .build());
-    EXPECT_EQ(none.converter.MapX(2880), 192);
+    for (const auto& [mode, m, accepted, after] : steps) {
+        EXPECT_EQ(w.ModifyWorldTransform(m[0], m[1], m[2], m[3], m[4], m[5], mode), accepted);
+        EXPECT_EQ(Text(w.WorldTransform()), after) << "mode " << mode;
+    }
 }
 
-TEST(WmfMapping, OutOfRangeResultsAndInchZero) {
-    WmfRun inchZero(mfb::Wmf()
-                        .placeable(0, 0, 1440, 1440, 0)
-                        .record(mfb::META_SETWINDOWORG, Pair(0, 0))
-                        .build());
-    EXPECT_EQ(inchZero.converter.MapX(1440), 96);  // an Inch of 0 reads as 1440
-    EXPECT_TRUE(inchZero.converter.GetOutSVG().startsWith(testutil::Header(96, 96)));
-
-    WmfRun wide(mfb::Wmf()
-                    .placeable(0, 0, 30000, 30000, 96)
-                    .record(mfb::META_SETWINDOWORG, Pair(0, 0))
-                    .record(mfb::META_SETWINDOWEXT, Pair(1, 1))
-                    .build());
-    EXPECT_EQ(wide.converter.MapX(10), -32768);
+// Without a placeable header a coordinate is divided by 15 after its distance from the window
+// origin (whose y starts at 1) is cut to 16 bits; a window extent changes nothing. Placeable
+// files divide by Inch / 96 (an Inch of 0 reads as 1440) and stretch by bounding box over
+// window extent (a zero extent: by the box itself); results outside 16 bits read -32768.
+TEST(WmfMapping, ScaleOriginAndWindowExtent) {
+    const auto yx = [](int y, int x) { return Bytes().i16((int16_t)y).i16((int16_t)x); };
+    const auto placeable = [&](int inch, int box, int extX, int extY) {
+        Wmf f = Wmf().placeable(0, 0, box, box / 2, inch).record(META_SETWINDOWORG, yx(0, 0));
+        if (extX >= 0) f.record(META_SETWINDOWEXT, yx(extY, extX));
+        return f.build();
+    };
+    const QByteArray moved =
+        Wmf().record(META_SETWINDOWEXT, yx(10, 10)).record(META_SETWINDOWORG, yx(100, 100)).build();
+    const std::tuple<const char*, QByteArray, int, int, int, int> cases[] = {
+        {"twips", Wmf().build(), 30, 2, 45, 2},
+        {"twips, truncated toward zero", Wmf().build(), -29, -1, -45, -3},
+        {"window origin", moved, 250, 10, 100, 0},
+        {"distance wraps in 16 bits", Wmf().record(META_SETWINDOWORG, yx(0, -2)).build(), 32767,
+         -2184, 32767, 2184},
+        {"extent matches the box", placeable(1440, 2880, 2880, 1440), 2880, 192, 1440, 96},
+        {"half the box", placeable(1440, 2880, 1440, 720), 2880, 384, 1440, 192},
+        {"zero extent", placeable(1440, 2880, 0, 720), 15, 2880, 15, 1440},
+        {"no extent yet", placeable(1440, 2880, -1, -1), 2880, 192, 1440, 96},
+        {"Inch 0", placeable(0, 1440, -1, -1), 1440, 96, 1440, 96},
+        {"out of range", placeable(96, 30000, 1, 1), 10, -32768, 10, -32768},
+    };
+    for (const auto& [what, file, xIn, x, yIn, y] : cases) {
+        const auto converter = RunWmf(file);
+        EXPECT_EQ(converter->MapX(xIn), x) << what;
+        EXPECT_EQ(converter->MapY(yIn), y) << what;
+    }
 }
