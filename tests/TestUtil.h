@@ -53,11 +53,15 @@ class LogCapture {
     std::vector<std::pair<basic_logging::Level, std::string>> m_lines;
 };
 
-// While it lives, the byte-order test answers "big-endian": a metafile built with
-// build(..., swapped = true) then reads as a little-endian file does on a big-endian host.
-struct ForceBigEndian {
-    ForceBigEndian() { SetByteOrderOverride(true, true); }
-    ~ForceBigEndian() { SetByteOrderOverride(false, false); }
+// While it lives, the byte-order test gives the opposite of the host's order, so that the
+// converter reverses every field it reads: a metafile built with build(..., swapped = true)
+// then reads as a little-endian file does on a big-endian host. On a little-endian host the
+// test answers "big-endian"; on a big-endian one it answers "little-endian", since there the
+// swapped file is in host order (and the real big-endian path runs on the unswapped files).
+class ForceBigEndian {
+  public:
+    ForceBigEndian();
+    ~ForceBigEndian();
 };
 
 // Files of the shared corpus under `folder` ("emf", "wmf", ...); empty when it is absent.

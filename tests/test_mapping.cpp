@@ -7,6 +7,7 @@
 #include <tuple>
 
 #include "api/Logger.h"
+#include "byteorder/BEndTools.h"
 #include "emf/Emf2SVG.h"
 #include "tests/MetafileBuilder.h"
 #include "tests/TestUtil.h"
