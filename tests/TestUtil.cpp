@@ -1,8 +1,10 @@
 #include "tests/TestUtil.h"
 
 #include <QDir>
+#include <QSysInfo>
 #include <gtest/gtest.h>
 
+#include "byteorder/BEndTools.h"
 #include "svgmodule.h"
 
 namespace testutil {
@@ -57,6 +59,13 @@ std::vector<std::string> LogCapture::at(basic_logging::Level level) const {
     for (const auto& l : m_lines)
         if (l.first == level) out.push_back(l.second);
     return out;
+}
+
+ForceBigEndian::ForceBigEndian() {
+    SetByteOrderOverride(true, QSysInfo::ByteOrder == QSysInfo::LittleEndian);
+}
+ForceBigEndian::~ForceBigEndian() {
+    SetByteOrderOverride(false, false);
 }
 
 QStringList CorpusFiles(const QString& folder) {

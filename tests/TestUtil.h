@@ -5,7 +5,6 @@
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
-#include <QSysInfo>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -59,9 +58,10 @@ class LogCapture {
 // then reads as a little-endian file does on a big-endian host. On a little-endian host the
 // test answers "big-endian"; on a big-endian one it answers "little-endian", since there the
 // swapped file is in host order (and the real big-endian path runs on the unswapped files).
-struct ForceBigEndian {
-    ForceBigEndian() { SetByteOrderOverride(true, QSysInfo::ByteOrder == QSysInfo::LittleEndian); }
-    ~ForceBigEndian() { SetByteOrderOverride(false, false); }
+class ForceBigEndian {
+  public:
+    ForceBigEndian();
+    ~ForceBigEndian();
 };
 
 // Files of the shared corpus under `folder` ("emf", "wmf", ...); empty when it is absent.

@@ -13,10 +13,12 @@ const QString kRoundCapJoin = "stroke-linecap = \"round\" stroke-linejoin = \"ro
 // The pen text before any pen is selected.
 const QString kFreshPen = "stroke=\"none\" stroke-width=\"1\" ";
 
+// A font whose face name (UTF-8 here) is stored as UTF-16 code units.
 tagLOGFONTW LogFont(const char* face, int height, int weight, int escapement = 0) {
     tagLOGFONTW lf{};
     lf.lfHeight = height, lf.lfWeight = weight, lf.lfEscapement = escapement;
-    for (int i = 0; i < 32 && face[i] != '\0'; ++i) lf.lfFaceName[i] = face[i];
+    const QString units = QString::fromUtf8(face);
+    for (int i = 0; i < 32 && i < units.size(); ++i) lf.lfFaceName[i] = units[i].unicode();
     return lf;
 }
 
@@ -127,8 +129,9 @@ TEST(StyleObjects, SelectionSequence) {
 }
 
 // EMF fonts set the escapement when made; WMF fonts leave it, and read their 16-bit height and
-// weight unsigned and their face name up to 32 bytes. DEVICE_DEFAULT_FONT selects the latest
-// EMF font. Face names default to Arial in EMF only; WMF fonts write their size, not strike-out.
+// weight unsigned and their face name (Latin-1) up to 32 bytes. DEVICE_DEFAULT_FONT selects the
+// latest EMF font. Face names default to Arial in EMF only; WMF fonts write their size, not
+// strike-out. The texts are UTF-8.
 TEST(StyleFonts, TextsHeightsAndEscapement) {
     const struct {
         bool wmf;
@@ -141,14 +144,14 @@ TEST(StyleFonts, TextsHeightsAndEscapement) {
         {false, "A", 12, 1, 1, 0, -5, -450, 45, 12,
          " font-family=\"A\"  font-style=\"italic\"  text-decoration=\"underline\"  "
          "font-weight=\"-5\" \n"},
-        {false, "A", 12, 0, 1, 1, 0, 15, -1, 12,
-         " font-family=\"A\"  text-decoration=\"underline line-through\" "},
+        {false, "\xce\xa9", 12, 0, 1, 1, 0, 15, -1, 12,  // a face name beyond Latin-1
+         " font-family=\"\xce\xa9\"  text-decoration=\"underline line-through\" "},
         {false, "A", INT32_MIN, 0, 0, 2, 0, -9, 0, INT32_MAX,
          " font-family=\"A\"  text-decoration=\"line-through\" "},
         {false, "ABCDEFGHIJKLMNOPQRSTUVWXYZ012345", 12, 0, 0, 0, 0, INT32_MIN, 214748364, 12,
          " font-family=\"ABCDEFGHIJKLMNOPQRSTUVWXYZ012345\" "},
         {true, "Caf\xe9", -12, 1, 1, 1, -1, 0, 7, 65524,
-         " font-family=\"Caf\xe9\" font-size=\"65524\"  font-style=\"italic\"  "
+         " font-family=\"Caf\xc3\xa9\" font-size=\"65524\"  font-style=\"italic\"  "
          "text-decoration=\"underline\"  font-weight=\"65535\" \n"},
         {true, "", 9, 0, 0, 1, 0, 0, 7, 9, " font-family=\"\" font-size=\"9\" "},
         {true, "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx", 0, 0, 0, 0, 0, 0, 7, 0,  // no NUL in the field
@@ -170,7 +173,7 @@ TEST(StyleFonts, TextsHeightsAndEscapement) {
         }
         EXPECT_EQ(sm.GetEscapement(), c.degrees) << c.tenths;
         sm.EmfSelectObject(8);
-        EXPECT_EQ(sm.GetCurrTextStyle(), QString::fromLatin1(c.text) + " fill=\"black\" ");
+        EXPECT_EQ(sm.GetCurrTextStyle(), QString::fromUtf8(c.text) + " fill=\"black\" ");
         EXPECT_EQ(sm.GetCurrentFontHeight(), c.selectedHeight) << c.face;
         EXPECT_EQ(sm.GetCurrentFontDescent(), 3);
         sm.EmfSelectObject(0x8000000E);
