@@ -12,6 +12,7 @@ out=fuzz/metafile.dict
 le32() { printf '\\x%02x\\x%02x\\x%02x\\x%02x' $(($1 & 255)) $(($1 >> 8 & 255)) $(($1 >> 16 & 255)) $(($1 >> 24 & 255)); }
 le16() { printf '\\x%02x\\x%02x' $(($1 & 255)) $(($1 >> 8 & 255)); }
 entry32() { printf '%s="%s"\n' "$1" "$(le32 "$2")"; }
+raw() { printf '%s="%s"\n' "$1" "$2"; }
 entry16() { printf '%s="%s"\n' "$1" "$(le16 "$2")"; }
 # Entries NAME_VALUE for every value given.
 each32() { local n=$1 v; shift; for v in "$@"; do entry32 "${n}_$v" "$v"; done; }
@@ -32,11 +33,11 @@ handlers() {
     entry32 emr_restoredc 34
     handlers emf/EmfHandlerTable.cpp | while read -r type name; do entry32 "emr_$name" "$type"; done
     echo "# EMF header: signature, versions, header sizes, EMF+ comment marker."
-    echo 'emf_signature=" EMF"'
+    raw emf_signature ' EMF'
     entry32 emf_version 0x10000
     entry32 emf_version_1 0x10001
     each32 emf_header_size 88 100 108
-    echo 'emfplus_marker="EMF+"'
+    raw emfplus_marker 'EMF+'
     echo "# WMF: placeable key, header (type 1/2, 9 words, version 0x0300), end record."
     entry32 placeable_key 0x9AC6CDD7
     entry16 wmf_type_memory 1
@@ -84,18 +85,18 @@ handlers() {
     each32 mwt_mode 1 2 3 4
     each32 text_align 0 2 6 8 10 14 24 26 30 256
     each32 eto_options 0x2 0x4 0x10 0x100 0x200 0x2000
-    echo 'polydraw_types="\x06\x02\x04\x04\x04\x03"'
+    raw polydraw_types '\x06\x02\x04\x04\x04\x03'
     echo "# Numbers: float 1.0, -1.0 and 0.5; extremes."
-    echo 'float_1="\x00\x00\x80\x3f"'
-    echo 'float_m1="\x00\x00\x80\xbf"'
-    echo 'float_half="\x00\x00\x00\x3f"'
+    raw float_1 '\x00\x00\x80\x3f'
+    raw float_m1 '\x00\x00\x80\xbf'
+    raw float_half '\x00\x00\x00\x3f'
     each32 int 0x7FFFFFFF 0x80000000 0xFFFFFFFF
     each16 short 0x7FFF 0x8000 0xFFFF
     echo "# Text: characters the writer escapes, as UTF-16 and as bytes; a surrogate pair."
-    echo 'utf16_lt="<\x00"'
-    echo 'utf16_amp="&\x00"'
-    echo 'utf16_quote="\"\x00"'
-    echo 'utf16_surrogates="\x3d\xd8\x00\xde"'
-    echo 'text_escapes="<&>\""'
+    raw utf16_lt '<\x00'
+    raw utf16_amp '&\x00'
+    raw utf16_quote '\"\x00'
+    raw utf16_surrogates '\x3d\xd8\x00\xde'
+    raw text_escapes '<&>\"'
 } >"$out"
 echo "wrote $out: $(grep -c '="' "$out") entries"

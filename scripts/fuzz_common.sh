@@ -1,0 +1,58 @@
+# shellcheck shell=bash
+# Settings and steps shared by scripts/fuzz.sh and scripts/fuzz_campaign.sh; sourced from the
+# repository's top folder, not run.
+#
+# Inputs are cut to FUZZ_MAX_LEN bytes (default 4096): every record type fits, bitmaps of a few
+# thousand pixels too, and a conversion stays short enough for thousands of executions a second
+# under the sanitizers; longer inputs cost time in proportion to their records.
+FUZZ_MAX_LEN=${FUZZ_MAX_LEN:-4096}
+FUZZ_OUT=${FUZZ_OUT:-out/fuzz}
+export ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=1}
+export UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}
+# Findings: a crash or sanitizer report, a leak, an input that takes more than 10 s, or one
+# that needs more than 512 MB (in all, or in one allocation).
+FUZZ_FLAGS=(-max_len="$FUZZ_MAX_LEN" -dict=fuzz/metafile.dict -timeout=10 -rss_limit_mb=512
+    -malloc_limit_mb=512 -artifact_prefix="$FUZZ_OUT/artifacts/")
+
+# fuzz_seeds BINARY: prints the seed folder. The bundled examples and the shared corpus (when
+# present) are merged once into $FUZZ_OUT/seeds-$FUZZ_MAX_LEN: each cut to FUZZ_MAX_LEN bytes,
+# only those that add coverage kept. Delete that folder to merge again.
+fuzz_seeds() {
+    local bin=$1 seeds=$FUZZ_OUT/seeds-$FUZZ_MAX_LEN raw=$FUZZ_OUT/seeds-all f
+    mkdir -p "$FUZZ_OUT/artifacts"
+    if [ ! -d "$seeds" ]; then
+        rm -rf "$raw" "$seeds.tmp"
+        mkdir -p "$raw" "$seeds.tmp"
+        cp examples/*.emf examples/*.wmf "$raw/"
+        local corpus=${CORPUS:-../shared/corpus}
+        if [ -d "$corpus" ]; then
+            # Named after their path: the corpus folders repeat some file names.
+            find "$corpus" -type f \( -iname '*.emf' -o -iname '*.wmf' \) -print0 |
+                while IFS= read -r -d '' f; do
+                    cp "$f" "$raw/$(echo "${f#"$corpus"/}" | tr / _)"
+                done
+        fi
+        "$bin" -merge=1 "${FUZZ_FLAGS[@]}" "$seeds.tmp" "$raw" >"$FUZZ_OUT/merge.log" 2>&1 ||
+            { tail -n 20 "$FUZZ_OUT/merge.log" >&2; return 1; }
+        mv "$seeds.tmp" "$seeds"
+        rm -rf "$raw"
+    fi
+    echo "$seeds"
+}
+
+# fuzz_reproducers: the harness converts an EMF with its header's byte count set to the
+# input's length; for each EMF artifact this writes ARTIFACT.emf with that count set, which
+# converts the same way with metafile2svg. WMF artifacts reproduce as they stand.
+fuzz_reproducers() {
+    local f n
+    for f in "$FUZZ_OUT"/artifacts/*; do
+        case $f in *.emf | *'*') continue ;; esac
+        [ "$(dd if="$f" bs=1 skip=40 count=4 2>/dev/null)" = " EMF" ] || continue
+        [ -e "$f.emf" ] && continue
+        n=$(stat -c %s "$f")
+        cp "$f" "$f.emf"
+        printf '%b' "$(printf '\\x%02x\\x%02x\\x%02x\\x%02x' $((n & 255)) $((n >> 8 & 255)) \
+            $((n >> 16 & 255)) $((n >> 24 & 255)))" |
+            dd of="$f.emf" bs=1 seek=48 conv=notrunc 2>/dev/null
+    done
+}
