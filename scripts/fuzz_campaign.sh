@@ -8,7 +8,7 @@
 # findings go to $FUZZ_OUT/artifacts/, the log to $FUZZ_OUT/campaign.log. At the end it prints
 # the executions, the coverage (cov, ft as libFuzzer's fork mode counts them), the corpus and
 # this campaign's findings, each with its sanitizer summary; the exit status is 1 when there
-# are any.
+# are any. Ctrl-C ends it early; the summary still follows.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 [ $# -ge 2 ] || { sed -n '2,4p' "$0" | sed 's/^# //' >&2; exit 2; }
@@ -49,6 +49,10 @@ echo "executions: $(echo "$last" | sed -E 's/^#([0-9]+):.*/\1/')"
 echo "coverage:   $(echo "$last" | grep -oE 'cov: [0-9]+ ft: [0-9]+')"
 echo "last:       $last"
 echo "corpus:     $(find "$FUZZ_OUT/corpus" -type f | wc -l) files, $(du -sh --apparent-size "$FUZZ_OUT/corpus" | cut -f1)"
+# Fork mode counts its cov and ft over the merges; loading the corpus and the seeds in one
+# process gives the edges and features as a single run reports them.
+echo "corpus and seeds loaded: $("$bin" -runs=0 "${FUZZ_FLAGS[@]}" "$FUZZ_OUT/corpus" "$seeds" 2>&1 |
+    grep -oE 'cov: [0-9]+ ft: [0-9]+' | tail -n 1)"
 findings=$(find "$FUZZ_OUT/artifacts" -type f -newer "$start" ! -name '*.emf' | sort)
 if [ -z "$findings" ]; then
     echo "findings:   none"

@@ -14,8 +14,8 @@ export UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}
 FUZZ_FLAGS=(-max_len="$FUZZ_MAX_LEN" -dict=fuzz/metafile.dict -timeout=10 -rss_limit_mb=512
     -malloc_limit_mb=512 -artifact_prefix="$FUZZ_OUT/artifacts/")
 
-# fuzz_seeds BINARY: prints the seed folder. The bundled examples and the shared corpus (when
-# present) are merged once into $FUZZ_OUT/seeds-$FUZZ_MAX_LEN: each cut to FUZZ_MAX_LEN bytes,
+# fuzz_seeds BINARY: prints the seed folder. The bundled examples, the generated seeds and the
+# shared corpus (when present) are merged once into $FUZZ_OUT/seeds-$FUZZ_MAX_LEN: each cut to FUZZ_MAX_LEN bytes,
 # only those that add coverage kept. Delete that folder to merge again.
 fuzz_seeds() {
     local bin=$1 seeds=$FUZZ_OUT/seeds-$FUZZ_MAX_LEN raw=$FUZZ_OUT/seeds-all f
@@ -24,6 +24,8 @@ fuzz_seeds() {
         rm -rf "$raw" "$seeds.tmp"
         mkdir -p "$raw" "$seeds.tmp"
         cp examples/*.emf examples/*.wmf "$raw/"
+        # Whole bitmap and region records (fuzz/make_fuzz_seeds.cpp).
+        "$(dirname "$bin")/make_fuzz_seeds" "$raw"
         local corpus=${CORPUS:-../shared/corpus}
         if [ -d "$corpus" ]; then
             # Named after their path: the corpus folders repeat some file names.
