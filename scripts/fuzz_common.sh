@@ -7,7 +7,10 @@
 # under the sanitizers; longer inputs cost time in proportion to their records.
 FUZZ_MAX_LEN=${FUZZ_MAX_LEN:-4096}
 FUZZ_OUT=${FUZZ_OUT:-out/fuzz}
-export ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=1}
+# A 16 MB quarantine of freed memory (256 MB by default) still outlasts any one conversion of
+# such an input, and saves the page faults of always fresh memory: a quarter of the time of
+# inputs with bitmaps, whose PNG encoder allocates and clears a few hundred KB per image.
+export ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=1:quarantine_size_mb=16}
 export UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}
 # Findings: a crash or sanitizer report, a leak, an input that takes more than 10 s, or one
 # that needs more than 512 MB (in all, or in one allocation).
@@ -24,8 +27,14 @@ fuzz_seeds() {
         rm -rf "$raw" "$seeds.tmp"
         mkdir -p "$raw" "$seeds.tmp"
         cp examples/*.emf examples/*.wmf "$raw/"
-        # Whole bitmap and region records (fuzz/make_fuzz_seeds.cpp).
-        "$(dirname "$bin")/make_fuzz_seeds" "$raw"
+        # Whole bitmap and region records (fuzz/make_fuzz_seeds.cpp, built with the target).
+        local generator
+        generator=$(dirname "$bin")/make_fuzz_seeds
+        if [ -x "$generator" ]; then
+            "$generator" "$raw"
+        else
+            echo "fuzz seeds: $generator not built; its seeds are left out" >&2
+        fi
         local corpus=${CORPUS:-../shared/corpus}
         if [ -d "$corpus" ]; then
             # Named after their path: the corpus folders repeat some file names.
