@@ -15,6 +15,10 @@ mkdir -p "$FUZZ_OUT/corpus"
 status=0
 "$bin" -max_total_time="$seconds" -print_final_stats=1 "${FUZZ_FLAGS[@]}" "$FUZZ_OUT/corpus" \
     "$seeds" >"$FUZZ_OUT/fuzz.log" 2>&1 || status=$?
-tail -n 15 "$FUZZ_OUT/fuzz.log"
+if [ "$status" -eq 0 ]; then
+    grep -E '^#[0-9]+[[:space:]]+INITED|^Done|^stat::' "$FUZZ_OUT/fuzz.log"
+else
+    tail -n 60 "$FUZZ_OUT/fuzz.log"
+fi
 fuzz_reproducers
 exit "$status"
