@@ -82,10 +82,7 @@ int Emf2SvgConverter::ConvertEMFToSVG(const unsigned char* data, CLogger& log) {
 
     InitEMFRecHandlers();
     SetupPicture(header);
-    if (log.m_enabled) {
-        log.WriteText("################# Start Of File ######################\n");
-        log.WriteText("\n");
-    }
+    log.LogString("################# Start Of File ######################\n");
     try {
         WalkRecords(data, header, log);
     } catch (...) {
@@ -93,10 +90,7 @@ int Emf2SvgConverter::ConvertEMFToSVG(const unsigned char* data, CLogger& log) {
         TRACE_RETURN(-1);
     }
     m_writer.Close();
-    if (log.m_enabled) {
-        log.WriteText("\n ############### End of File ##############\n");
-        log.WriteText("\n");
-    }
+    log.LogString("\n ############### End of File ##############\n");
     TRACE_RETURN(1);
 }
 

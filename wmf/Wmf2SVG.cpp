@@ -56,10 +56,7 @@ int WMF2SVGConverter::ConvertWMFToSVG(const unsigned char* records, unsigned lon
                            numeric::TruncToInt(m_picHeight / (double)m_scale));
     else
         m_writer.CreateXML(1024, 768);
-    if (log.m_enabled) {
-        log.WriteText("#Start Of File\n");
-        log.WriteText("\n");
-    }
+    log.LogString("#Start Of File\n");
     try {
         WalkRecords(records, total, maxRecord, log);
     } catch (...) {
@@ -67,10 +64,7 @@ int WMF2SVGConverter::ConvertWMFToSVG(const unsigned char* records, unsigned lon
         LOG_FATAL("Exception occured while converting WMF file to SVG");
         TRACE_RETURN(-1);
     }
-    if (log.m_enabled) {
-        log.WriteText("\nEnd of File\n");
-        log.WriteText("\n");
-    }
+    log.LogString("\nEnd of File\n");
     m_writer.Close();
     TRACE_RETURN(2);
 }
