@@ -11,6 +11,7 @@ const char kSvgNamespace[] = "http://www.w3.org/2000/svg";
 
 CMySVGWriter::CMySVGWriter()
     : m_currStyle(" stroke=\"black\" stroke-width=\"1\" fill=\"none\""),
+      m_currStyleStale(false),
       m_bkColor("none"),
       m_textFill(" fill=\"black\""),
       m_textAlign(0),

@@ -131,8 +131,16 @@ class CMySVGWriter {
     CStyleManager& StyleManager() { return m_styleMgr; }
 
   private:
-    const QByteArray& EffectiveStyle(const QByteArray& style) const {
-        return style.isEmpty() ? m_currStyle : style;
+    const QByteArray& EffectiveStyle(const QByteArray& style) {
+        return style.isEmpty() ? CurrentStyle() : style;
+    }
+    // The style manager's current style, fetched again after a selection or clip change.
+    const QByteArray& CurrentStyle() {
+        if (m_currStyleStale) {
+            m_currStyle = m_styleMgr.GetCurrentStyle();
+            m_currStyleStale = false;
+        }
+        return m_currStyle;
     }
     // The points text of GetPointsString, written into `out`.
     void GetPointsString(const tagPOINT* points, unsigned int count, SvgBuffer& out);
@@ -172,6 +180,7 @@ class CMySVGWriter {
     static std::vector<tagPOINT> WidenPoints(const tagPOINTS* points, unsigned int count);
 
     QByteArray m_currStyle;
+    bool m_currStyleStale;
     QByteArray m_bkColor;
     QByteArray m_textFill;
     SvgBuffer m_pathData;
