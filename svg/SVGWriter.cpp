@@ -42,6 +42,22 @@ bool CMySVGWriter::Close() {
     TRACE_RETURN(true);
 }
 
+size_t CMySVGWriter::OutputBudget(uint64_t inputBytes) {
+    const uint64_t most = SvgBuffer::kNoLimit / kOutputPerInputByte;
+    return inputBytes < most ? (size_t)(inputBytes * kOutputPerInputByte) : SvgBuffer::kNoLimit;
+}
+
+void CMySVGWriter::LimitOutput(size_t bytes) {
+    m_out.SetLimit(bytes);
+    m_pathData.SetLimit(bytes);
+}
+
+void CMySVGWriter::CutOutput(size_t size) {
+    m_out.Truncate(size);
+    m_out.SetLimit(SvgBuffer::kNoLimit);
+    m_pathData.Clear();
+}
+
 QString CMySVGWriter::GetSVGOutput() {
     return QString::fromUtf8(m_out.data(), (qsizetype)m_out.size());
 }
