@@ -3,7 +3,7 @@
 // polylines), each converted from memory.
 //
 //     bench_scale [--rounds N] [--max-records N] [--csv FILE]
-//     bench_scale --adversarial [--rounds N] [--max-bytes N]
+//     bench_scale --adversarial [--rounds N] [--max-bytes N] [--family NAME]
 //
 // The second form converts every family of hostile files (tests/AdversarialFiles) at 256 KiB
 // and four times larger up to --max-bytes (default 4 MiB; rounds default 3) and prints input,
@@ -143,7 +143,7 @@ void Print(const Row& r) {
                 r.status == 1 || r.status == 2 ? "" : "  (not converted!)");
 }
 
-int Adversarial(long rounds, long maxBytes) {
+int Adversarial(long rounds, long maxBytes, const std::string& only) {
     const double mb = 1024.0 * 1024.0;
     std::printf(
         "Hostile files: median CPU time of the converting thread over %ld rounds; peak = "
@@ -152,6 +152,7 @@ int Adversarial(long rounds, long maxBytes) {
     std::printf("%-22s %8s %9s %7s %9s %7s %9s %8s %6s\n", "family", "input MB", "output MB",
                 "out/in", "peak MB", "peak/in", "ms", "ns/byte", "status");
     for (const adversarial::Family& family : adversarial::Families()) {
+        if (!only.empty() && only != family.name) continue;
         double first = 0, last = 0;
         for (long bytes = 256 * 1024; bytes <= maxBytes; bytes *= 4) {
             const QByteArray in = family.build((int)bytes);
@@ -175,7 +176,8 @@ int main(int argc, char** argv) {
     benchutil::Options options(argc, argv);
     const bool hostile = options.TakeFlag("--adversarial");
     long rounds = hostile ? 3 : 21, maxRecords = 1000000, maxBytes = 4 * 1024 * 1024;
-    std::string csv;
+    std::string csv, family;
+    options.Take("--family", &family);
     options.TakeInt("--rounds", &rounds);
     options.TakeInt("--max-records", &maxRecords);
     options.TakeInt("--max-bytes", &maxBytes);
@@ -183,13 +185,13 @@ int main(int argc, char** argv) {
     if (!options.Rest().empty() || rounds < 1) {
         std::fputs(
             "Usage: bench_scale [--rounds N] [--max-records N] [--csv FILE]\n"
-            "       bench_scale --adversarial [--rounds N] [--max-bytes N]\n",
+            "       bench_scale --adversarial [--rounds N] [--max-bytes N] [--family NAME]\n",
             stderr);
         return 2;
     }
     CLogSystem::theRootInstance->setLevel("OFF");
     if (!heap::Available()) std::fputs("(heap counting unavailable in this build)\n", stderr);
-    if (hostile) return Adversarial(rounds, maxBytes);
+    if (hostile) return Adversarial(rounds, maxBytes, family);
 
     std::printf(
         "Synthetic drawings: median CPU time of the converting thread "

@@ -6,6 +6,7 @@
 #define TRACE_FILE "StyleMgr"
 #include "style/StyleMgr.h"
 
+#include <chrono>
 #include <cstdint>
 #include <cstdlib>
 
@@ -85,6 +86,30 @@ void RemoveStrokeAttribute(QByteArray& s) {
 }
 
 }  // namespace
+
+namespace {
+
+uint64_t HandleSalt() {
+    static const uint64_t salt = [] {
+        static const int here = 0;
+        const uint64_t time = (uint64_t)std::chrono::steady_clock::now().time_since_epoch().count();
+        return time * 0x9E3779B97F4A7C15ull ^ (uint64_t)(uintptr_t)&here;
+    }();
+    return salt;
+}
+
+}  // namespace
+
+// The salted handle through a 64-bit mixing function (every input bit moves every output bit).
+size_t CStyleManager::HandleHash::operator()(int handle) const {
+    uint64_t x = (uint64_t)(uint32_t)handle ^ HandleSalt();
+    x ^= x >> 33;
+    x *= 0xFF51AFD7ED558CCDull;
+    x ^= x >> 33;
+    x *= 0xC4CEB9FE1A85EC53ull;
+    x ^= x >> 33;
+    return (size_t)x;
+}
 
 // Out-of-line definition so the constant can be bound to references.
 const int CStyleManager::kPatternMade;

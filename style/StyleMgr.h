@@ -11,7 +11,8 @@
 
 #include <QByteArray>
 #include <QString>
-#include <map>
+#include <cstddef>
+#include <unordered_map>
 
 #include "MetafileStructs.h"
 
@@ -35,6 +36,15 @@ class CStyleManager {
         bool bold = false;
         bool italic = false;
     };
+
+    // Handles are any 32-bit numbers a file chooses. They are hashed with a salt drawn when
+    // the process starts, so that no file can pick handles that share buckets: every lookup
+    // costs the same however many objects a file makes.
+    struct HandleHash {
+        size_t operator()(int handle) const;
+    };
+    template <class T>
+    using HandleTable = std::unordered_map<int, T, HandleHash>;
 
     CStyleManager();
     ~CStyleManager();
@@ -113,9 +123,9 @@ class CStyleManager {
     QByteArray m_clipAttr;
     QByteArray m_currentStyle;
     QString m_fontFamily;
-    std::map<int, EmfObject> m_objects;
-    std::map<int, QByteArray> m_patterns;
-    std::map<int, FontInf> m_fonts;
+    HandleTable<EmfObject> m_objects;
+    HandleTable<QByteArray> m_patterns;
+    HandleTable<FontInf> m_fonts;
     const char* m_hatchTemplates[6];
     bool m_bold;
     bool m_italic;
