@@ -137,20 +137,30 @@ void Emf2SvgConverter::WalkRecords(const unsigned char* data, const tagENHMETAHE
     const uint64_t end = header.nBytes;
     uint64_t pos = header.nSize;
     uint32_t count = 0;
-    while (records::Fits(pos, sizeof(tagEMR), end)) {
-        tagEMR emr;
-        std::memcpy(&emr, data + pos, sizeof emr);
-        InitEMR(emr);
-        if (emr.nSize < sizeof(tagEMR) || !records::Fits(pos, emr.nSize, end)) break;
-        if (emr.iType == kEmrEof) break;
-        // A record without a handler is only named: its type is all that is read of it.
-        const HandlerEntry* entry = HandlerFor(emr.iType);
-        unsigned char* copy = entry ? m_recordCopy.Fill(data + pos, emr.nSize, entry->fixed)
-                                    : m_recordCopy.Fill(data + pos, sizeof(tagEMR), 0);
-        HandleEnhMetaRecordData(copy, emr.nSize, log);
-        if (++count == header.nRecords) break;
-        pos += emr.nSize;
+    // Output beyond the budget ends the walk too, at the start of the record that passed it.
+    m_writer.LimitOutput(CMySVGWriter::OutputBudget(header.nBytes));
+    size_t recordStart = m_writer.OutputSize();
+    try {
+        while (records::Fits(pos, sizeof(tagEMR), end)) {
+            tagEMR emr;
+            std::memcpy(&emr, data + pos, sizeof emr);
+            InitEMR(emr);
+            if (emr.nSize < sizeof(tagEMR) || !records::Fits(pos, emr.nSize, end)) break;
+            if (emr.iType == kEmrEof) break;
+            // A record without a handler is only named: its type is all that is read of it.
+            const HandlerEntry* entry = HandlerFor(emr.iType);
+            unsigned char* copy = entry ? m_recordCopy.Fill(data + pos, emr.nSize, entry->fixed)
+                                        : m_recordCopy.Fill(data + pos, sizeof(tagEMR), 0);
+            recordStart = m_writer.OutputSize();
+            HandleEnhMetaRecordData(copy, emr.nSize, log);
+            if (++count == header.nRecords) break;
+            pos += emr.nSize;
+        }
+    } catch (const OutputLimitReached&) {
+        m_writer.CutOutput(recordStart);
+        return;
     }
+    m_writer.LimitOutput(SvgBuffer::kNoLimit);
     return;
 }
 
