@@ -12,7 +12,7 @@
 //
 // Time: median CPU time of the converting thread (CLOCK_THREAD_CPUTIME_ID) over N rounds
 // (default 21; at most 5 for a million records), per record.
-// Memory: this program counts the heap itself (tests/HeapCount). The peak is the largest amount
+// Memory: this program counts the heap itself (bench/HeapCount). The peak is the largest amount
 // of heap that one conversion holds above what was allocated before it started, output
 // included; counting is on for that one conversion only, never during the timed rounds.
 #include <QByteArray>
@@ -25,7 +25,7 @@
 #include "bench/BenchUtil.h"
 #include "svgmodule.h"
 #include "tests/AdversarialFiles.h"
-#include "tests/HeapCount.h"
+#include "bench/HeapCount.h"
 #include "tests/MetafileBuilder.h"
 
 // --- synthetic drawings --------------------------------------------------------------------

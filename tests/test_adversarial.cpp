@@ -8,7 +8,7 @@
 #include "CLogSystem.h"
 #include "svgmodule.h"
 #include "tests/AdversarialFiles.h"
-#include "tests/HeapCount.h"
+#include "bench/HeapCount.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 //
 // Sanitizer builds bring their own allocator; there the wrappers are left out and Available()
 // is false.
-#ifndef SVGMODULE_TESTS_HEAPCOUNT_H
-#define SVGMODULE_TESTS_HEAPCOUNT_H
+#ifndef SVGMODULE_BENCH_HEAPCOUNT_H
+#define SVGMODULE_BENCH_HEAPCOUNT_H
 
 namespace heap {
 

@@ -1,4 +1,4 @@
-#include "tests/HeapCount.h"
+#include "bench/HeapCount.h"
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define SVGMODULE_HEAP_COUNTING 0
