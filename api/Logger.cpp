@@ -1,7 +1,6 @@
 #include "api/Logger.h"
 
 #include <QLocale>
-#include <cstring>
 
 CLogger g_Logger;
 
@@ -31,23 +30,8 @@ void CLogger::setLogging(bool enable, QString fileName) {
 
 void CLogger::LogString(const char* text) {
     if (!m_enabled || !text) return;
-    Write(text, std::strlen(text), true);
-}
-
-void CLogger::WriteText(const char* text) {
-    if (!m_enabled || !text) return;
-    Write(text, std::strlen(text), false);
-}
-
-void CLogger::Write(const char* text, size_t length, bool newline) {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    if (!m_enabled || !m_file.isOpen()) return;
-    if (!newline) {
-        m_file.write(text, (qint64)length);
-        return;
-    }
-    // One write per line: the name and its line feed reach the file together.
-    QByteArray line(text, (qsizetype)length);
+    QByteArray line(text);
     line += '\n';
-    m_file.write(line);
+    std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_enabled && m_file.isOpen()) m_file.write(line);
 }

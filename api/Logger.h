@@ -1,8 +1,10 @@
 // CLogger: the record log, a plain text file naming the records a conversion had no handler
 // for, between a start and an end banner. Off until EnableLogging(true, ...).
 //
-// Conversions on several threads may write to it at once: every write takes the log's lock, so
-// each line (a record name with its line feed, or a banner) reaches the file whole.
+// Conversions on several threads may write to it at once: every write takes the log's lock and
+// is one piece of text ending in a line feed (a record name, or a whole banner), so no other
+// thread's line lands inside it. Switching the log takes the same lock; a conversion running
+// meanwhile writes each of its lines whole to the old file, to the new one, or nowhere.
 #ifndef SVGMODULE_LOGGER_H
 #define SVGMODULE_LOGGER_H
 
@@ -24,10 +26,8 @@ class CLogger {
     // Closes the current file; when `enable` is set, opens `fileName` (or the dated default
     // name) for appending.
     void setLogging(bool enable, QString fileName);
-    // Writes `text` and a line feed when the log is on.
+    // Writes `text` and a line feed, as one write, when the log is on.
     void LogString(const char* text);
-    // Writes `text` as it is when the log is on (the converters' banners).
-    void WriteText(const char* text);
 
     // The default file name for a date: day without leading zero, full English month name,
     // two-digit year, ".txt" (5 March 2010 gives "5_March_10.txt").
@@ -37,9 +37,6 @@ class CLogger {
     QFile m_file;
 
   private:
-    // Writes `length` bytes of `text`, then a line feed when `newline` is set, under the lock.
-    void Write(const char* text, size_t length, bool newline);
-
     std::mutex m_mutex;
 };
 

@@ -3,19 +3,19 @@
 // polylines), each converted from memory.
 //
 //     bench_scale [--rounds N] [--max-records N] [--csv FILE]
+//     bench_scale --adversarial [--rounds N] [--max-bytes N] [--family NAME]
+//
+// The second form converts every family of hostile files (tests/AdversarialFiles) at 256 KiB
+// and four times larger up to --max-bytes (default 4 MiB; rounds default 3) and prints input,
+// output, peak heap and time per file, with the growth of the time per input byte from the
+// smallest size to the largest (1.0 is linear).
 //
 // Time: median CPU time of the converting thread (CLOCK_THREAD_CPUTIME_ID) over N rounds
 // (default 21; at most 5 for a million records), per record.
-// Memory: this program counts the heap itself. It replaces malloc, calloc, realloc, free and
-// the aligned allocators with wrappers around the C library's, which add and subtract each
-// block's usable size while counting is on. The peak is the largest amount of heap that one
-// conversion holds above what was allocated before it started, output included; counting is
-// on for that one conversion only, never during the timed rounds.
-#include <malloc.h>
-
+// Memory: this program counts the heap itself (bench/HeapCount). The peak is the largest amount
+// of heap that one conversion holds above what was allocated before it started, output
+// included; counting is on for that one conversion only, never during the timed rounds.
 #include <QByteArray>
-#include <atomic>
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -24,94 +24,9 @@
 #include "CLogSystem.h"
 #include "bench/BenchUtil.h"
 #include "svgmodule.h"
+#include "tests/AdversarialFiles.h"
+#include "bench/HeapCount.h"
 #include "tests/MetafileBuilder.h"
-
-// --- heap counting ------------------------------------------------------------------------
-
-extern "C" {
-void* __libc_malloc(size_t size);
-void* __libc_calloc(size_t count, size_t size);
-void* __libc_realloc(void* block, size_t size);
-void* __libc_memalign(size_t alignment, size_t size);
-void __libc_free(void* block);
-}
-
-namespace heap {
-
-std::atomic<bool> g_counting{false};
-std::atomic<long long> g_live{0};
-std::atomic<long long> g_peak{0};
-
-void Allocated(void* block) {
-    if (!block || !g_counting.load(std::memory_order_relaxed)) return;
-    const long long live = g_live += (long long)malloc_usable_size(block);
-    long long peak = g_peak.load(std::memory_order_relaxed);
-    while (live > peak && !g_peak.compare_exchange_weak(peak, live)) {
-    }
-}
-
-void Released(void* block) {
-    if (block && g_counting.load(std::memory_order_relaxed))
-        g_live -= (long long)malloc_usable_size(block);
-}
-
-// The peak heap, in bytes above the start, that `f` holds at any moment.
-template <typename F>
-long long Peak(F&& f) {
-    g_live = 0;
-    g_peak = 0;
-    g_counting = true;
-    f();
-    g_counting = false;
-    return g_peak.load();
-}
-
-}  // namespace heap
-
-extern "C" {
-
-void* malloc(size_t size) {
-    void* block = __libc_malloc(size);
-    heap::Allocated(block);
-    return block;
-}
-
-void* calloc(size_t count, size_t size) {
-    void* block = __libc_calloc(count, size);
-    heap::Allocated(block);
-    return block;
-}
-
-void* realloc(void* block, size_t size) {
-    heap::Released(block);
-    void* moved = __libc_realloc(block, size);
-    heap::Allocated(moved ? moved : (size ? block : nullptr));
-    return moved;
-}
-
-void free(void* block) {
-    heap::Released(block);
-    __libc_free(block);
-}
-
-void* memalign(size_t alignment, size_t size) {
-    void* block = __libc_memalign(alignment, size);
-    heap::Allocated(block);
-    return block;
-}
-
-void* aligned_alloc(size_t alignment, size_t size) {
-    return memalign(alignment, size);
-}
-
-int posix_memalign(void** out, size_t alignment, size_t size) {
-    void* block = memalign(alignment, size);
-    if (!block) return ENOMEM;
-    *out = block;
-    return 0;
-}
-
-}  // extern "C"
 
 // --- synthetic drawings --------------------------------------------------------------------
 
@@ -228,20 +143,55 @@ void Print(const Row& r) {
                 r.status == 1 || r.status == 2 ? "" : "  (not converted!)");
 }
 
+int Adversarial(long rounds, long maxBytes, const std::string& only) {
+    const double mb = 1024.0 * 1024.0;
+    std::printf(
+        "Hostile files: median CPU time of the converting thread over %ld rounds; peak = "
+        "most heap one conversion holds above its start, output included.\n\n",
+        rounds);
+    std::printf("%-22s %8s %9s %7s %9s %7s %9s %8s %6s\n", "family", "input MB", "output MB",
+                "out/in", "peak MB", "peak/in", "ms", "ns/byte", "status");
+    for (const adversarial::Family& family : adversarial::Families()) {
+        if (!only.empty() && only != family.name) continue;
+        double first = 0, last = 0;
+        for (long bytes = 256 * 1024; bytes <= maxBytes; bytes *= 4) {
+            const QByteArray in = family.build((int)bytes);
+            const Row r = Measure(family.name, in, 1, (int)rounds);
+            const double nsPerByte = r.medianNs / (double)r.in;
+            if (first == 0) first = nsPerByte;
+            last = nsPerByte;
+            std::printf("%-22s %8.2f %9.2f %7.2f %9.2f %7.2f %9.2f %8.2f %6d\n", family.name,
+                        r.in / mb, r.out / mb, (double)r.out / (double)r.in, r.peak / mb,
+                        (double)r.peak / (double)r.in, r.medianNs / 1e6, nsPerByte, r.status);
+        }
+        std::printf("%-22s time per byte, largest / smallest: %.2f\n", family.name,
+                    first > 0 ? last / first : 0.0);
+    }
+    return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     benchutil::Options options(argc, argv);
-    long rounds = 21, maxRecords = 1000000;
-    std::string csv;
+    const bool hostile = options.TakeFlag("--adversarial");
+    long rounds = hostile ? 3 : 21, maxRecords = 1000000, maxBytes = 4 * 1024 * 1024;
+    std::string csv, family;
+    options.Take("--family", &family);
     options.TakeInt("--rounds", &rounds);
     options.TakeInt("--max-records", &maxRecords);
+    options.TakeInt("--max-bytes", &maxBytes);
     options.Take("--csv", &csv);
     if (!options.Rest().empty() || rounds < 1) {
-        std::fputs("Usage: bench_scale [--rounds N] [--max-records N] [--csv FILE]\n", stderr);
+        std::fputs(
+            "Usage: bench_scale [--rounds N] [--max-records N] [--csv FILE]\n"
+            "       bench_scale --adversarial [--rounds N] [--max-bytes N] [--family NAME]\n",
+            stderr);
         return 2;
     }
     CLogSystem::theRootInstance->setLevel("OFF");
+    if (!heap::Available()) std::fputs("(heap counting unavailable in this build)\n", stderr);
+    if (hostile) return Adversarial(rounds, maxBytes, family);
 
     std::printf(
         "Synthetic drawings: median CPU time of the converting thread "

@@ -82,10 +82,7 @@ int Emf2SvgConverter::ConvertEMFToSVG(const unsigned char* data, CLogger& log) {
 
     InitEMFRecHandlers();
     SetupPicture(header);
-    if (log.m_enabled) {
-        log.WriteText("################# Start Of File ######################\n");
-        log.WriteText("\n");
-    }
+    log.LogString("################# Start Of File ######################\n");
     try {
         WalkRecords(data, header, log);
     } catch (...) {
@@ -93,10 +90,7 @@ int Emf2SvgConverter::ConvertEMFToSVG(const unsigned char* data, CLogger& log) {
         TRACE_RETURN(-1);
     }
     m_writer.Close();
-    if (log.m_enabled) {
-        log.WriteText("\n ############### End of File ##############\n");
-        log.WriteText("\n");
-    }
+    log.LogString("\n ############### End of File ##############\n");
     TRACE_RETURN(1);
 }
 
@@ -143,20 +137,30 @@ void Emf2SvgConverter::WalkRecords(const unsigned char* data, const tagENHMETAHE
     const uint64_t end = header.nBytes;
     uint64_t pos = header.nSize;
     uint32_t count = 0;
-    while (records::Fits(pos, sizeof(tagEMR), end)) {
-        tagEMR emr;
-        std::memcpy(&emr, data + pos, sizeof emr);
-        InitEMR(emr);
-        if (emr.nSize < sizeof(tagEMR) || !records::Fits(pos, emr.nSize, end)) break;
-        if (emr.iType == kEmrEof) break;
-        // A record without a handler is only named: its type is all that is read of it.
-        const HandlerEntry* entry = HandlerFor(emr.iType);
-        unsigned char* copy = entry ? m_recordCopy.Fill(data + pos, emr.nSize, entry->fixed)
-                                    : m_recordCopy.Fill(data + pos, sizeof(tagEMR), 0);
-        HandleEnhMetaRecordData(copy, emr.nSize, log);
-        if (++count == header.nRecords) break;
-        pos += emr.nSize;
+    // Output beyond the budget ends the walk too, at the start of the record that passed it.
+    m_writer.LimitOutput(CMySVGWriter::OutputBudget(header.nBytes));
+    size_t recordStart = m_writer.OutputSize();
+    try {
+        while (records::Fits(pos, sizeof(tagEMR), end)) {
+            tagEMR emr;
+            std::memcpy(&emr, data + pos, sizeof emr);
+            InitEMR(emr);
+            if (emr.nSize < sizeof(tagEMR) || !records::Fits(pos, emr.nSize, end)) break;
+            if (emr.iType == kEmrEof) break;
+            // A record without a handler is only named: its type is all that is read of it.
+            const HandlerEntry* entry = HandlerFor(emr.iType);
+            unsigned char* copy = entry ? m_recordCopy.Fill(data + pos, emr.nSize, entry->fixed)
+                                        : m_recordCopy.Fill(data + pos, sizeof(tagEMR), 0);
+            recordStart = m_writer.OutputSize();
+            HandleEnhMetaRecordData(copy, emr.nSize, log);
+            if (++count == header.nRecords) break;
+            pos += emr.nSize;
+        }
+    } catch (const OutputLimitReached&) {
+        m_writer.CutOutput(recordStart);
+        return;
     }
+    m_writer.LimitOutput(SvgBuffer::kNoLimit);
     return;
 }
 

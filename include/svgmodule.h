@@ -8,6 +8,17 @@
 //   -3  the WMF header was refused
 // `out` receives the SVG document as UTF-8 only when a converter has run; on every refusal it
 // keeps what the caller put in it.
+//
+// Threads: any number of threads may convert at once, with the record log on or off; calls share
+// no drawing state. Each record-log line (a record name, or a whole start or end banner) is
+// written whole, exactly once; lines of different threads' conversions interleave only between
+// lines. EnableLogging may be called while other threads convert: each line of a conversion
+// running meanwhile goes whole to the old file, to the new one, or nowhere. A monochrome bitmap
+// left pending as a mask by one call is kept for the next call on the same thread only.
+//
+// Hostile input: any bytes may be passed. A metafile of N bytes makes at most 64 N bytes of SVG
+// (drawing stops before the record that would pass that, and the document is closed after what
+// was drawn; the status is unchanged) and holds well under 128 N bytes of heap.
 #ifndef SVGMODULE_H
 #define SVGMODULE_H
 

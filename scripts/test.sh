@@ -4,8 +4,9 @@
 #  2. the Debian packages, built with CPack and checked with dpkg-deb;
 #  3. AddressSanitizer + UndefinedBehaviorSanitizer build, unit tests and a sweep over
 #     ../shared/corpus (when present);
-#  4. Qt 5.15 build and unit tests;
-#  5. the libFuzzer target built with clang and run briefly over the corpus and examples.
+#  4. ThreadSanitizer build of the library and the thread stress test, and its run;
+#  5. Qt 5.15 build and unit tests;
+#  6. the libFuzzer target built with clang and run briefly over the corpus and examples.
 # scripts/test.sh --quick runs step 1 only.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -29,6 +30,11 @@ scripts/build.sh build-asan -DSVGMODULE_SANITIZE=ON -DSVGMODULE_FUZZ=OFF -DSVGMO
 (cd build-asan && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 \
     ctest --output-on-failure -j"$jobs")
 scripts/corpus_sweep.sh build-asan
+
+step "ThreadSanitizer build and thread stress test"
+scripts/build.sh build-tsan -DSVGMODULE_TSAN=ON -DSVGMODULE_FUZZ=OFF -DSVGMODULE_BENCH=OFF \
+    --target thread_stress
+(cd build-tsan && ctest --output-on-failure -R '^Threads\.')
 
 step "Qt 5.15 build and unit tests"
 scripts/build.sh build-qt5 -DSVGMODULE_QT=5 -DSVGMODULE_FUZZ=OFF -DSVGMODULE_BENCH=OFF

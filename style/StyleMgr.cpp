@@ -6,6 +6,7 @@
 #define TRACE_FILE "StyleMgr"
 #include "style/StyleMgr.h"
 
+#include <chrono>
 #include <cstdint>
 #include <cstdlib>
 
@@ -18,6 +19,8 @@ const unsigned int kStockNullPen = 0x80000008;
 const unsigned int kStockDeviceDefaultFont = 0x8000000E;
 const int kFontDefaultDescent = 3;
 const int kFaceNameLength = 32;
+// Until the first selection elements are drawn with a black one-unit stroke and no fill.
+const char kInitialCurrentStyle[] = "stroke=\"black\" stroke-width=\"1\" fill=\"none\" ";
 
 // Brush styles of a logical brush.
 const unsigned int kBrushSolid = 0;
@@ -84,6 +87,30 @@ void RemoveStrokeAttribute(QByteArray& s) {
 
 }  // namespace
 
+namespace {
+
+uint64_t HandleSalt() {
+    static const uint64_t salt = [] {
+        static const int here = 0;
+        const uint64_t time = (uint64_t)std::chrono::steady_clock::now().time_since_epoch().count();
+        return time * 0x9E3779B97F4A7C15ull ^ (uint64_t)(uintptr_t)&here;
+    }();
+    return salt;
+}
+
+}  // namespace
+
+// The salted handle through a 64-bit mixing function (every input bit moves every output bit).
+size_t CStyleManager::HandleHash::operator()(int handle) const {
+    uint64_t x = (uint64_t)(uint32_t)handle ^ HandleSalt();
+    x ^= x >> 33;
+    x *= 0xFF51AFD7ED558CCDull;
+    x ^= x >> 33;
+    x *= 0xC4CEB9FE1A85EC53ull;
+    x ^= x >> 33;
+    return (size_t)x;
+}
+
 // Out-of-line definition so the constant can be bound to references.
 const int CStyleManager::kPatternMade;
 
@@ -95,7 +122,7 @@ CStyleManager::CStyleManager()
       m_bkgMode(0.0f),
       m_textColor("black"),
       m_fontStyle("  "),
-      m_currentStyle("stroke=\"black\" stroke-width=\"1\" fill=\"none\" "),
+      m_currentStyle(kInitialCurrentStyle),
       m_hatchTemplates(),
       m_bold(false),
       m_italic(false),
@@ -105,11 +132,12 @@ CStyleManager::CStyleManager()
       m_fontWeight(0),
       // No EMF font yet: DEVICE_DEFAULT_FONT then stands for itself and selects nothing.
       m_lastFontHandle(kStockDeviceDefaultFont),
-      m_currentStyleMerged(false) {
+      m_currentStyleMerged(false),
+      m_currentStale(false),
+      m_penStale(true),
+      m_brushStale(true) {
     TRACE_ENTER();
     for (int i = 0; i < hatch::kStyleCount; ++i) m_hatchTemplates[i] = hatch::Template(i);
-    RebuildPenStyle();
-    RebuildBrushStyle();
     RebuildTextStyle();
     TRACE_RETURN();
 }
@@ -189,47 +217,46 @@ int CStyleManager::EmfSelectObject(unsigned long handle) {
     // A handle without an entry is looked up without making one: it acts as a stock object.
     const auto it = m_objects.find(Key(h));
     const int kind = it == m_objects.end() ? KindEmpty : it->second.kind;
-    bool changed = false;
     switch (kind) {
         case KindPen:
-            changed = SetPenStyle(it->second.style);
+            SetPenStyle(it->second.style);
             break;
         case KindBrush:
-            changed = SetBrushStyle(it->second.style.isEmpty() ? QByteArray(" fill=\"none\" ")
-                                                               : it->second.style);
+            SetBrushStyle(it->second.style.isEmpty() ? QByteArray(" fill=\"none\" ")
+                                                     : it->second.style);
             break;
         case KindFont:
             SelectFont(Key(h), it->second.style);
             RebuildTextStyle();
             break;
         default:
-            changed = SelectStockObject(h);
+            SelectStockObject(h);
             break;
     }
-    // The merge depends on the pen, brush and clip texts alone: a selection that changed
-    // neither text leaves it as the last merge made it.
-    if (changed || !m_currentStyleMerged) RebuildCurrentStyle();
+    // Every selection merges pen, brush and clip anew; the merge is made when it is next asked
+    // for, so selections cost the same whatever the length of the texts.
+    m_currentStyleMerged = true;
+    m_currentStale = true;
     TRACE_RETURN(0);
 }
 
-bool CStyleManager::SelectStockObject(unsigned int handle) {
-    if (const char* brush = StockBrushText(handle)) return SetBrushStyle(QByteArray(brush));
-    if (handle == kStockNullPen) return SetPenStyle(QByteArray(" stroke=\"none\" "));
-    return false;
+void CStyleManager::SelectStockObject(unsigned int handle) {
+    if (const char* brush = StockBrushText(handle))
+        SetBrushStyle(QByteArray(brush));
+    else if (handle == kStockNullPen)
+        SetPenStyle(QByteArray(" stroke=\"none\" "));
 }
 
-bool CStyleManager::SetPenStyle(const QByteArray& text) {
-    if (text == m_penStyle) return false;
+// The texts are shared, not copied; the composed styles made from them are rebuilt when next
+// asked for.
+void CStyleManager::SetPenStyle(const QByteArray& text) {
     m_penStyle = text;
-    RebuildPenStyle();
-    return true;
+    m_penStale = true;
 }
 
-bool CStyleManager::SetBrushStyle(const QByteArray& text) {
-    if (text == m_brushStyle) return false;
+void CStyleManager::SetBrushStyle(const QByteArray& text) {
     m_brushStyle = text;
-    RebuildBrushStyle();
-    return true;
+    m_brushStale = true;
 }
 
 void CStyleManager::SelectFont(int key, const QByteArray& text) {
@@ -245,8 +272,14 @@ void CStyleManager::SelectFont(int key, const QByteArray& text) {
 }
 
 // Every text searched here is made by this class in lower case, so the search for the stroke
-// attribute needs no case folding.
+// attribute needs no case folding. Before the first selection the merge is the initial style;
+// the clip attribute always comes last, so replacing it equals removing and appending it.
 void CStyleManager::RebuildCurrentStyle() {
+    m_currentStale = false;
+    if (!m_currentStyleMerged) {
+        m_currentStyle = kInitialCurrentStyle + m_clipAttr;
+        return;
+    }
     QByteArray s;
     s.reserve(m_penStyle.size() + 1 + m_brushStyle.size() + m_clipAttr.size());
     s += m_penStyle;
@@ -255,7 +288,6 @@ void CStyleManager::RebuildCurrentStyle() {
     s += m_brushStyle;
     s += m_clipAttr;
     m_currentStyle = s;
-    m_currentStyleMerged = true;
 }
 
 int CStyleManager::EmfDeleteObject(unsigned int handle) {
@@ -277,10 +309,9 @@ QByteArray CStyleManager::EmfGetBrush(unsigned int handle) {
 // The clip attribute is made here in one spelling, so it is found without case folding.
 int CStyleManager::ExtSetClipRgn(const QByteArray& id) {
     TRACE_ENTER();
-    if (!m_clipAttr.isEmpty()) m_currentStyle.replace(m_clipAttr, QByteArray());
     m_clipAttr = id.isEmpty() ? QByteArray() : "clip-path=\"url(#" + id + ")\"";
-    m_currentStyle += m_clipAttr;
-    RebuildPenStyle();
+    m_currentStale = true;
+    m_penStale = true;
     TRACE_RETURN(1);
 }
 
@@ -304,6 +335,7 @@ float CStyleManager::GetBkgMode() const {
 }
 
 const QByteArray& CStyleManager::GetCurrentStyle() {
+    if (m_currentStale) RebuildCurrentStyle();
     return m_currentStyle;
 }
 

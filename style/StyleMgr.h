@@ -2,14 +2,17 @@
 //
 // Pens, brushes and fonts are kept under the metafile's own handle numbers as finished
 // fragments of SVG attribute text (UTF-8); every selection rebuilds one current style that the
-// writer appends to the elements it emits. Hatched brushes become <pattern> definitions. The
-// composed styles are kept ready-made and rebuilt only when a part of them changes.
+// writer appends to the elements it emits. Hatched brushes become <pattern> definitions.
+// Selections and clip changes only share texts and mark the composed styles out of date; a
+// composed style is rebuilt when it is next asked for, so its cost goes with the output that
+// uses it, never with the number of selections.
 #ifndef SVGMODULE_STYLEMGR_H
 #define SVGMODULE_STYLEMGR_H
 
 #include <QByteArray>
 #include <QString>
-#include <map>
+#include <cstddef>
+#include <unordered_map>
 
 #include "MetafileStructs.h"
 
@@ -33,6 +36,15 @@ class CStyleManager {
         bool bold = false;
         bool italic = false;
     };
+
+    // Handles are any 32-bit numbers a file chooses. They are hashed with a salt drawn when
+    // the process starts, so that no file can pick handles that share buckets: every lookup
+    // costs the same however many objects a file makes.
+    struct HandleHash {
+        size_t operator()(int handle) const;
+    };
+    template <class T>
+    using HandleTable = std::unordered_map<int, T, HandleHash>;
 
     CStyleManager();
     ~CStyleManager();
@@ -86,12 +98,11 @@ class CStyleManager {
     void RebuildPenStyle();
     void RebuildBrushStyle();
     void RebuildTextStyle();
-    // Applies a selected stock object; unknown handles change nothing. True when the pen or
-    // brush text changed.
-    bool SelectStockObject(unsigned int handle);
-    // Take a new pen or brush text; true when it differs from the one held.
-    bool SetPenStyle(const QByteArray& text);
-    bool SetBrushStyle(const QByteArray& text);
+    // Applies a selected stock object; unknown handles change nothing.
+    void SelectStockObject(unsigned int handle);
+    // Take a new pen or brush text.
+    void SetPenStyle(const QByteArray& text);
+    void SetBrushStyle(const QByteArray& text);
     // Makes the font under `key` the selected one, metrics included.
     void SelectFont(int key, const QByteArray& text);
 
@@ -112,9 +123,9 @@ class CStyleManager {
     QByteArray m_clipAttr;
     QByteArray m_currentStyle;
     QString m_fontFamily;
-    std::map<int, EmfObject> m_objects;
-    std::map<int, QByteArray> m_patterns;
-    std::map<int, FontInf> m_fonts;
+    HandleTable<EmfObject> m_objects;
+    HandleTable<QByteArray> m_patterns;
+    HandleTable<FontInf> m_fonts;
     const char* m_hatchTemplates[6];
     bool m_bold;
     bool m_italic;
@@ -130,6 +141,10 @@ class CStyleManager {
     // The current style has been merged from pen and brush at least once (the initial one is
     // not such a merge).
     bool m_currentStyleMerged;
+    // The composed styles that no longer match their parts.
+    bool m_currentStale;
+    bool m_penStale;
+    bool m_brushStale;
 };
 
 #endif

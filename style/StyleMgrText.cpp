@@ -136,11 +136,13 @@ QByteArray CStyleManager::GetDashArray(int width, int penStyle, const unsigned i
 
 const QByteArray& CStyleManager::GetCurrPenStyle() {
     TRACE_ENTER();
+    if (m_penStale) RebuildPenStyle();
     TRACE_RETURN(m_penComposed);
 }
 
 const QByteArray& CStyleManager::GetCurrBrushStyle() {
     TRACE_ENTER();
+    if (m_brushStale) RebuildBrushStyle();
     TRACE_RETURN(m_brushComposed);
 }
 
@@ -150,10 +152,12 @@ const QByteArray& CStyleManager::GetCurrTextStyle() {
 }
 
 void CStyleManager::RebuildPenStyle() {
+    m_penStale = false;
     m_penComposed = m_penStyle + " fill=\"none\" " + m_clipAttr;
 }
 
 void CStyleManager::RebuildBrushStyle() {
+    m_brushStale = false;
     m_brushComposed = "\" " + m_brushStyle + " stroke=\"none\" stroke-width=\"0\" ";
 }
 

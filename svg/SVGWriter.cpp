@@ -11,6 +11,7 @@ const char kSvgNamespace[] = "http://www.w3.org/2000/svg";
 
 CMySVGWriter::CMySVGWriter()
     : m_currStyle(" stroke=\"black\" stroke-width=\"1\" fill=\"none\""),
+      m_currStyleStale(false),
       m_bkColor("none"),
       m_textFill(" fill=\"black\""),
       m_textAlign(0),
@@ -39,6 +40,22 @@ bool CMySVGWriter::Close() {
     m_out.Write("</svg>\n");
     m_clipId = 1;
     TRACE_RETURN(true);
+}
+
+size_t CMySVGWriter::OutputBudget(uint64_t inputBytes) {
+    const uint64_t most = SvgBuffer::kNoLimit / kOutputPerInputByte;
+    return inputBytes < most ? (size_t)(inputBytes * kOutputPerInputByte) : SvgBuffer::kNoLimit;
+}
+
+void CMySVGWriter::LimitOutput(size_t bytes) {
+    m_out.SetLimit(bytes);
+    m_pathData.SetLimit(bytes);
+}
+
+void CMySVGWriter::CutOutput(size_t size) {
+    m_out.Truncate(size);
+    m_out.SetLimit(SvgBuffer::kNoLimit);
+    m_pathData.Clear();
 }
 
 QString CMySVGWriter::GetSVGOutput() {

@@ -30,6 +30,18 @@ class CMySVGWriter {
     // Document.
     bool CreateXML(int width, int height);
     bool Close();
+    // The most a metafile of `inputBytes` bytes may write: kOutputPerInputByte bytes for each
+    // of its bytes. Drawing texts alone could make more (a pen's dash text is repeated in
+    // every element drawn with it, so output could grow with the square of the input).
+    static const uint64_t kOutputPerInputByte = 64;
+    static size_t OutputBudget(uint64_t inputBytes);
+    // The document, and the path being collected, may each grow to `bytes`; a write past it
+    // throws OutputLimitReached.
+    void LimitOutput(size_t bytes);
+    size_t OutputSize() const { return m_out.size(); }
+    // Ends the drawing at `size` bytes of document: what was written after it and the path
+    // being collected are dropped and the limit is lifted, so that the document can be closed.
+    void CutOutput(size_t size);
     // The document so far, as text.
     QString GetSVGOutput();
     // Hands the document over as UTF-8 bytes; the writer is left empty.
@@ -131,8 +143,16 @@ class CMySVGWriter {
     CStyleManager& StyleManager() { return m_styleMgr; }
 
   private:
-    const QByteArray& EffectiveStyle(const QByteArray& style) const {
-        return style.isEmpty() ? m_currStyle : style;
+    const QByteArray& EffectiveStyle(const QByteArray& style) {
+        return style.isEmpty() ? CurrentStyle() : style;
+    }
+    // The style manager's current style, fetched again after a selection or clip change.
+    const QByteArray& CurrentStyle() {
+        if (m_currStyleStale) {
+            m_currStyle = m_styleMgr.GetCurrentStyle();
+            m_currStyleStale = false;
+        }
+        return m_currStyle;
     }
     // The points text of GetPointsString, written into `out`.
     void GetPointsString(const tagPOINT* points, unsigned int count, SvgBuffer& out);
@@ -172,6 +192,7 @@ class CMySVGWriter {
     static std::vector<tagPOINT> WidenPoints(const tagPOINTS* points, unsigned int count);
 
     QByteArray m_currStyle;
+    bool m_currStyleStale;
     QByteArray m_bkColor;
     QByteArray m_textFill;
     SvgBuffer m_pathData;

@@ -61,7 +61,7 @@ bool CMySVGWriter::MetaCreateFont(unsigned int handle, FONTSPEC font) {
 bool CMySVGWriter::SelectObject(unsigned long handle) {
     TRACE_ENTER();
     m_styleMgr.EmfSelectObject(handle);
-    m_currStyle = m_styleMgr.GetCurrentStyle();
+    m_currStyleStale = true;
     m_textFill = m_styleMgr.GetCurrTextStyle();
     TRACE_RETURN(true);
 }

@@ -41,7 +41,7 @@ bool CMySVGWriter::StartPath() {
     m_inPath = true;
     m_clipSelected = false;
     m_styleMgr.ExtSetClipRgn(QByteArray());
-    m_currStyle = m_styleMgr.GetCurrentStyle();
+    m_currStyleStale = true;
     TRACE_RETURN(true);
 }
 

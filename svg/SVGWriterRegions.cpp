@@ -27,7 +27,7 @@ void CMySVGWriter::CloseClip() {
     SvgBuffer id;
     id.Write("ClPath", m_clipId);
     m_styleMgr.ExtSetClipRgn(id.Text());
-    m_currStyle = m_styleMgr.GetCurrentStyle();
+    m_currStyleStale = true;
     ++m_clipId;
 }
 
@@ -75,7 +75,7 @@ bool CMySVGWriter::SetExtClipRgn(unsigned int count, const tagRECT* rects) {
 bool CMySVGWriter::SelectClipPath(unsigned int mode) {
     if (m_clipSelected) {
         m_styleMgr.ExtSetClipRgn(QByteArray());
-        m_currStyle = m_styleMgr.GetCurrentStyle();
+        m_currStyleStale = true;
     }
     OpenClip();
     m_out.Write("\n<path d = \"");

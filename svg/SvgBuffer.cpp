@@ -1,19 +1,19 @@
 #include "svg/SvgBuffer.h"
 
 #include <limits>
-#include <new>
 
 namespace {
 // The first allocation; later ones grow by half of what is held.
 const size_t kInitialCapacity = 256;
 }  // namespace
 
+const size_t SvgBuffer::kNoLimit = (size_t)std::numeric_limits<qsizetype>::max() / 2;
+
 void SvgBuffer::Grow(size_t more) {
     const size_t held = (size_t)m_data.size();
-    const size_t limit = (size_t)std::numeric_limits<qsizetype>::max() / 2;
-    if (more > limit - m_size) throw std::bad_alloc();
+    if (m_size > m_limit || more > m_limit - m_size) throw OutputLimitReached();
     size_t capacity = held < kInitialCapacity ? kInitialCapacity : held + held / 2;
-    if (capacity > limit) capacity = limit;
+    if (capacity > m_limit) capacity = m_limit;
     if (capacity < m_size + more) capacity = m_size + more;
     // Reserving first makes the capacity exactly what is asked (resize alone may round it up);
     // growing keeps the bytes held, and the new room is written before it is read.

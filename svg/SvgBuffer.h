@@ -12,9 +12,19 @@
 #include <cstring>
 #include <type_traits>
 
+// Thrown by a write that would take a buffer's text past the limit set for it.
+struct OutputLimitReached {};
+
 class SvgBuffer {
   public:
-    SvgBuffer() : m_size(0) {}
+    // The largest text a buffer can hold when no lower limit is set.
+    static const size_t kNoLimit;
+
+    SvgBuffer() : m_size(0), m_limit(kNoLimit) {}
+
+    // The text may grow to `limit` bytes; a write that would pass it throws
+    // OutputLimitReached and leaves the text as it was before that write's bytes.
+    void SetLimit(size_t limit) { m_limit = limit < kNoLimit ? limit : kNoLimit; }
 
     // Appends each part in order: string literals and QByteArrays as bytes, a char
     // as one byte, signed integers as signed decimal, unsigned integers as unsigned decimal,
@@ -64,6 +74,10 @@ class SvgBuffer {
     const char* data() const { return m_data.constData(); }
     // Empties the text and keeps the room for the next.
     void Clear() { m_size = 0; }
+    // Drops the text after its first `size` bytes.
+    void Truncate(size_t size) {
+        if (size < m_size) m_size = size;
+    }
     // The text written so far, as a copy.
     QByteArray Text() const { return QByteArray(m_data.constData(), (qsizetype)m_size); }
     // Hands the text over and leaves the buffer empty.
@@ -107,6 +121,7 @@ class SvgBuffer {
 
     QByteArray m_data;  // its size is the capacity; the text is its first m_size bytes
     size_t m_size;
+    size_t m_limit;  // the capacity never exceeds it
 };
 
 #endif

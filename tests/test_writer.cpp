@@ -201,3 +201,20 @@ TEST(WriterOutput, NumbersPrintAsATextStreamDoes) {
         EXPECT_EQ(real.Text(), expected.toLatin1()) << v;
     }
 }
+
+// A limited buffer refuses the write that would pass its limit and keeps the text before it;
+// truncating and lifting the limit let it be closed.
+TEST(WriterOutput, LimitedBufferStopsAtTheWriteThatPassesIt) {
+    SvgBuffer out;
+    out.SetLimit(300);
+    for (int i = 0; i < 29; ++i) out.Write("<a/>", i % 10, "\n");  // 6 bytes each: 174
+    const size_t mark = out.size();
+    EXPECT_THROW(out.Write(QByteArray(200, 'x')), OutputLimitReached);
+    EXPECT_EQ(out.size(), mark);
+    EXPECT_THROW(for (;;) out.Write("<b/>\n"), OutputLimitReached);
+    EXPECT_LE(out.size(), 300u);
+    out.Truncate(mark);
+    out.SetLimit(SvgBuffer::kNoLimit);
+    out.Write("</svg>\n");
+    EXPECT_TRUE(out.Text().endsWith("<a/>8\n</svg>\n"));
+}

@@ -56,10 +56,7 @@ int WMF2SVGConverter::ConvertWMFToSVG(const unsigned char* records, unsigned lon
                            numeric::TruncToInt(m_picHeight / (double)m_scale));
     else
         m_writer.CreateXML(1024, 768);
-    if (log.m_enabled) {
-        log.WriteText("#Start Of File\n");
-        log.WriteText("\n");
-    }
+    log.LogString("#Start Of File\n");
     try {
         WalkRecords(records, total, maxRecord, log);
     } catch (...) {
@@ -67,10 +64,7 @@ int WMF2SVGConverter::ConvertWMFToSVG(const unsigned char* records, unsigned lon
         LOG_FATAL("Exception occured while converting WMF file to SVG");
         TRACE_RETURN(-1);
     }
-    if (log.m_enabled) {
-        log.WriteText("\nEnd of File\n");
-        log.WriteText("\n");
-    }
+    log.LogString("\nEnd of File\n");
     m_writer.Close();
     TRACE_RETURN(2);
 }
@@ -83,21 +77,31 @@ void WMF2SVGConverter::WalkRecords(const unsigned char* records, unsigned long t
     uint64_t pos = 0;
     uint64_t count = 0;
     uint32_t recordNumber = 1;
-    while (records::Fits(pos, sizeof(tagWMR), end)) {
-        const tagWMR wmr = ReadPrefix(records + pos, InitWMR);
-        if (wmr.rdSize > maxRecord || wmr.rdSize == 0) break;
-        const uint64_t size = (uint64_t)wmr.rdSize * 2;
-        if (!records::Fits(pos, size, end)) break;
-        count += size;
-        if (count >= total || wmr.rdFunction == kMetaEof) break;
-        // A record without a handler is only named: its prefix is all that is read of it.
-        const HandlerEntry* entry = HandlerFor(wmr.rdFunction);
-        unsigned char* copy = entry ? m_recordCopy.Fill(records + pos, size, entry->fixed)
-                                    : m_recordCopy.Fill(records + pos, sizeof(tagWMR), 0);
-        HandleWMFRecordData(copy, (unsigned int)size, log);
-        if (++recordNumber == 0) break;
-        pos += size;
+    // Output beyond the budget ends the walk too, at the start of the record that passed it.
+    m_writer.LimitOutput(CMySVGWriter::OutputBudget(total));
+    size_t recordStart = m_writer.OutputSize();
+    try {
+        while (records::Fits(pos, sizeof(tagWMR), end)) {
+            const tagWMR wmr = ReadPrefix(records + pos, InitWMR);
+            if (wmr.rdSize > maxRecord || wmr.rdSize == 0) break;
+            const uint64_t size = (uint64_t)wmr.rdSize * 2;
+            if (!records::Fits(pos, size, end)) break;
+            count += size;
+            if (count >= total || wmr.rdFunction == kMetaEof) break;
+            // A record without a handler is only named: its prefix is all that is read of it.
+            const HandlerEntry* entry = HandlerFor(wmr.rdFunction);
+            unsigned char* copy = entry ? m_recordCopy.Fill(records + pos, size, entry->fixed)
+                                        : m_recordCopy.Fill(records + pos, sizeof(tagWMR), 0);
+            recordStart = m_writer.OutputSize();
+            HandleWMFRecordData(copy, (unsigned int)size, log);
+            if (++recordNumber == 0) break;
+            pos += size;
+        }
+    } catch (const OutputLimitReached&) {
+        m_writer.CutOutput(recordStart);
+        return;
     }
+    m_writer.LimitOutput(SvgBuffer::kNoLimit);
     return;
 }
 
