@@ -42,7 +42,7 @@ bool GetPointOnEllipse(tagRECT box, tagPOINT p, tagPOINT& out) {
         // A flat box (b = 0) met along its own axis has its end there; any other quotient that
         // is not a number (half-axes whose squares wrap to nothing) gives the centre.
         x = (b == 0 && dy == 0) ? a : TruncOr((long double)Mul32(a, b) / std::sqrt(s), 0);
-        if (dx < 0) x = -x;
+        if (dx < 0) x = Sub32(0, x);  // wraps at the int32 minimum, as the other sums do
         y = TruncOr((long double)x * k, 0);
     }
     out.x = Add32(cx, x);

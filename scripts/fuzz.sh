@@ -1,17 +1,24 @@
 #!/usr/bin/env bash
-# Runs the libFuzzer target: scripts/fuzz.sh BUILD_DIR [SECONDS]
-# Seeds: the bundled examples and the shared corpus (when present); the working corpus and
-# any crash reproducer go to out/fuzz/.
+# CI's short fuzzer run: scripts/fuzz.sh BUILD_DIR [SECONDS]
+# Runs the libFuzzer target for SECONDS (default 60) over the working corpus out/fuzz/corpus and
+# the merged seeds, with the dictionary (scripts/fuzz_common.sh); stops with a failure at the
+# first finding, whose input goes to out/fuzz/artifacts/. scripts/fuzz_campaign.sh runs long
+# campaigns.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-dir="$1"
+bin="$1/fuzz/fuzz_metafile"
 seconds="${2:-60}"
-mkdir -p out/fuzz/corpus out/fuzz/seeds
-cp examples/*.emf examples/*.wmf out/fuzz/seeds/
-if [ -d ../shared/corpus ]; then
-    find ../shared/corpus -type f \( -iname '*.emf' -o -iname '*.wmf' \) -size -200k \
-        -exec cp {} out/fuzz/seeds/ \;
+# shellcheck source=scripts/fuzz_common.sh
+source scripts/fuzz_common.sh
+seeds=$(fuzz_seeds "$bin")
+mkdir -p "$FUZZ_OUT/corpus"
+status=0
+"$bin" -max_total_time="$seconds" -print_final_stats=1 "${FUZZ_FLAGS[@]}" "$FUZZ_OUT/corpus" \
+    "$seeds" >"$FUZZ_OUT/fuzz.log" 2>&1 || status=$?
+if [ "$status" -eq 0 ]; then
+    grep -E '^#[0-9]+[[:space:]]+INITED|^Done|^stat::' "$FUZZ_OUT/fuzz.log"
+else
+    tail -n 60 "$FUZZ_OUT/fuzz.log"
 fi
-ASAN_OPTIONS=detect_leaks=1 "$dir/fuzz/fuzz_metafile" -max_total_time="$seconds" -max_len=262144 \
-    -timeout=10 -rss_limit_mb=512 -malloc_limit_mb=512 -artifact_prefix=out/fuzz/ -print_final_stats=1 \
-    out/fuzz/corpus out/fuzz/seeds 2>&1 | tail -n 15
+fuzz_reproducers
+exit "$status"

@@ -80,6 +80,23 @@ Bytes BitmapInfo(int32_t width, int32_t height, uint16_t bitCount,
     return b;
 }
 
+Bytes EmfBlt(uint32_t type, int x, int y, int cx, int cy, uint32_t rop, const Bytes& header,
+             const Bytes& bits) {
+    const uint32_t fixed = type == EMR_MASKBLT ? 128 : type == EMR_BITBLT ? 100 : 108;
+    const uint32_t at = header.size() ? fixed : 0,
+                   bitsAt = header.size() ? fixed + header.size() : 0;
+    Bytes b = Bytes().zeros(16).i32(x).i32(y).i32(cx).i32(cy).u32(rop).zeros(40);
+    b.u32(at).u32(header.size()).u32(bitsAt).u32(bits.size());
+    return b.zeros(fixed - 100).append(header).append(bits);
+}
+
+Bytes EmfStretchDib(int x, int y, int cx, int cy, uint32_t rop, const Bytes& header,
+                    const Bytes& bits) {
+    Bytes b = Bytes().zeros(16).i32(x).i32(y).zeros(16).u32(80).u32(header.size());
+    b.u32(80 + header.size()).u32(bits.size()).u32(0).u32(rop).i32(cx).i32(cy);
+    return b.append(header).append(bits);
+}
+
 Bytes U32s(std::initializer_list<uint32_t> values) {
     Bytes b;
     for (uint32_t v : values) b.u32(v);

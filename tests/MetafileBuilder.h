@@ -70,6 +70,11 @@ enum EmfType : uint32_t {
     EMR_FILLRGN = 71,
     EMR_FRAMERGN = 72,
     EMR_EXTSELECTCLIPRGN = 75,
+    EMR_BITBLT = 76,
+    EMR_STRETCHBLT = 77,
+    EMR_MASKBLT = 78,
+    EMR_PLGBLT = 79,
+    EMR_STRETCHDIBITS = 81,
     EMR_EXTCREATEFONTINDIRECTW = 82,
     EMR_EXTTEXTOUTW = 84,
     EMR_POLYBEZIER16 = 85,
@@ -83,6 +88,7 @@ enum EmfType : uint32_t {
     EMR_CREATEMONOBRUSH = 93,
     EMR_EXTCREATEPEN = 95,
     EMR_SMALLTEXTOUT = 108,
+    EMR_TRANSPARENTBLT = 116,
 };
 
 // WMF function numbers used by the tests.
@@ -198,6 +204,14 @@ Bytes RegionData(const std::vector<Rect>& rects, int64_t count = -1, uint32_t he
 // green, red, 0.
 Bytes BitmapInfo(int32_t width, int32_t height, uint16_t bitCount,
                  const std::vector<uint32_t>& colours = {});
+// Bitmap record payloads of EMF. A bit-block record (EMR_BITBLT, EMR_STRETCHBLT,
+// EMR_MASKBLT, EMR_TRANSPARENTBLT): destination, raster operation (or transparent colour) and
+// the bitmap header and bits after the record's fixed fields, whose offsets are 0 when the
+// header is empty. EMR_STRETCHDIBITS: the same for its own layout.
+Bytes EmfBlt(uint32_t type, int x, int y, int cx, int cy, uint32_t rop, const Bytes& header,
+             const Bytes& bits);
+Bytes EmfStretchDib(int x, int y, int cx, int cy, uint32_t rop, const Bytes& header,
+                    const Bytes& bits);
 // Runs of 32-bit fields.
 Bytes U32s(std::initializer_list<uint32_t> values);
 Bytes I32s(std::initializer_list<int32_t> values);

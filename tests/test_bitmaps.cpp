@@ -30,23 +30,12 @@ const uint32_t kBitBlt = 76, kStretchBlt = 77, kMaskBlt = 78, kPlgBlt = 79, kStr
                kTransparentBlt = 116;
 const Bytes kRgb = BitmapInfo(1, 1, 24), kRgbBits = U8s({0x30, 0x20, 0x10, 0});
 
-// A bit-block record's payload: destination, raster operation (or transparent colour) and
-// the bitmap after the record's fixed fields; the offsets are 0 when there is no header.
-Bytes EmfBlt(uint32_t type, int x, int y, int cx, int cy, uint32_t rop, const Bytes& header = kRgb,
-             const Bytes& bits = kRgbBits) {
-    const uint32_t fixed = type == kMaskBlt ? 128 : type == kBitBlt ? 100 : 108;
-    const uint32_t at = header.size() ? fixed : 0,
-                   bitsAt = header.size() ? fixed + header.size() : 0;
-    Bytes b = Bytes().zeros(16).i32(x).i32(y).i32(cx).i32(cy).u32(rop).zeros(40);
-    b.u32(at).u32(header.size()).u32(bitsAt).u32(bits.size());
-    return b.zeros(fixed - 100).append(header).append(bits);
+// Bit-block payloads with the 1 x 1 24-bit bitmap unless given another.
+Bytes Blt(uint32_t type, int x, int y, int cx, int cy, uint32_t rop, const Bytes& header = kRgb,
+          const Bytes& bits = kRgbBits) {
+    return mfb::EmfBlt(type, x, y, cx, cy, rop, header, bits);
 }
-Bytes EmfStretchDib(int x, int y, int cx, int cy, uint32_t rop, const Bytes& header,
-                    const Bytes& bits) {
-    Bytes b = Bytes().zeros(16).i32(x).i32(y).zeros(16).u32(80).u32(header.size());
-    b.u32(80 + header.size()).u32(bits.size()).u32(0).u32(rop).i32(cx).i32(cy);
-    return b.append(header).append(bits);
-}
+using mfb::EmfStretchDib;
 QString Image(int x, int y, int w, int h) {
     return QString::asprintf("<image x=\"%d\" y=\"%d\" width=\"%d\" height=\"%d\" ", x, y, w, h) +
            "xlink:href=\"data:image/png;base64,\n~\"/>\n";
@@ -199,18 +188,18 @@ TEST(EmfBitmaps, RecordsDrawTheirBitmapsIntoTheDestination) {
     const uint32_t kPatCopy = 0x00F00021, kBlackness = 0x42;
     mfb::Emf e;
     e.record(mfb::EMR_SETWINDOWORGEX, Bytes().i32(100).i32(100))
-        .record(kBitBlt, EmfBlt(kBitBlt, 150, 120, 40, 30, kPatCopy, Bytes(), Bytes()))
-        .record(kStretchBlt, EmfBlt(kStretchBlt, 150, 120, 40, 30, kPatCopy))
-        .record(kBitBlt, EmfBlt(kBitBlt, 100, 100, 1, 2, kBlackness))
-        .record(kMaskBlt, EmfBlt(kMaskBlt, 100, 100, 3, 4, kBlackness))
-        .record(kTransparentBlt, EmfBlt(kTransparentBlt, 100, 100, 5, 6, 0x00302010))
+        .record(kBitBlt, Blt(kBitBlt, 150, 120, 40, 30, kPatCopy, Bytes(), Bytes()))
+        .record(kStretchBlt, Blt(kStretchBlt, 150, 120, 40, 30, kPatCopy))
+        .record(kBitBlt, Blt(kBitBlt, 100, 100, 1, 2, kBlackness))
+        .record(kMaskBlt, Blt(kMaskBlt, 100, 100, 3, 4, kBlackness))
+        .record(kTransparentBlt, Blt(kTransparentBlt, 100, 100, 5, 6, 0x00302010))
         .record(kStretchDib, EmfStretchDib(100, 100, 7, 8, 0x00CC0020, kRgb, kRgbBits))
-        .record(kPlgBlt, EmfBlt(kBitBlt, 100, 100, 9, 9, kBlackness))
-        .record(kBitBlt, EmfBlt(kBitBlt, 100, 100, 9, 9, kBlackness, Bytes(), Bytes())
+        .record(kPlgBlt, Blt(kBitBlt, 100, 100, 9, 9, kBlackness))
+        .record(kBitBlt, Blt(kBitBlt, 100, 100, 9, 9, kBlackness, Bytes(), Bytes())
                              .append(kRgb)
                              .append(kRgbBits))
-        .record(kBitBlt, EmfBlt(kBitBlt, 100, 100, 9, 9, kBlackness, kRgb, Bytes()))
-        .record(kBitBlt, EmfBlt(kBitBlt, 100, 100, 9, 9, kBlackness, Bytes().zeros(39), Bytes()));
+        .record(kBitBlt, Blt(kBitBlt, 100, 100, 9, 9, kBlackness, kRgb, Bytes()))
+        .record(kBitBlt, Blt(kBitBlt, 100, 100, 9, 9, kBlackness, Bytes().zeros(39), Bytes()));
     const auto [body, images] = ConvertBoth([&](bool swapped) { return e.build(true, swapped); });
     EXPECT_EQ(body,
               "<rect x=\"50\" y=\"20\" width=\"40\" height=\"30\" rx=\"0\" ry=\"0\"  "
