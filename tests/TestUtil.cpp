@@ -54,6 +54,13 @@ QString BothOrders(const mfb::Wmf& file) {
     return BothOrders(file.build(), file.build(true, true), 2);
 }
 
+mfb::Emf Halved(int32_t windowX, int32_t windowY) {
+    return mfb::Emf()
+        .record(mfb::EMR_SETMAPMODE, mfb::U32s({8}))
+        .record(mfb::EMR_SETWINDOWEXTEX, mfb::I32s({windowX, windowY}))
+        .record(mfb::EMR_SETVIEWPORTEXTEX, mfb::U32s({500, 500}));
+}
+
 QString Line(int x1, int y1, int x2, int y2, const QString& style) {
     return QString::asprintf("<line x1=\"%d\" y1 = \"%d\" x2 =\"%d\" y2=\"%d\" ", x1, y1, x2, y2) +
            style + QStringLiteral("/>\n");

@@ -40,6 +40,10 @@ QString Body(const QString& svg);
 QString BothOrders(const mfb::Emf& file);
 QString BothOrders(const mfb::Wmf& file);
 
+// An EMF in MM_ANISOTROPIC with a viewport extent of 500 on both axes: coordinates are divided
+// by the window extent over 500, by default halved.
+mfb::Emf Halved(int32_t windowX = 1000, int32_t windowY = 1000);
+
 // The writer's style before any selection, and the pen text polylines take then.
 constexpr char kDefaultStyle[] = " stroke=\"black\" stroke-width=\"1\" fill=\"none\"";
 constexpr char kNoPen[] = "stroke=\"none\" stroke-width=\"1\"  fill=\"none\" ";

@@ -42,15 +42,7 @@ Emf& Bare(Emf& e, std::initializer_list<uint32_t> types) {
     return e;
 }
 
-// MM_ANISOTROPIC with a viewport extent of 500 on both axes: coordinates are divided by the
-// window extent over 500, by default halved.
-Emf Halved(int32_t windowX = 1000, int32_t windowY = 1000) {
-    Emf e;
-    e.record(mfb::EMR_SETMAPMODE, U32s({8}))
-        .record(mfb::EMR_SETWINDOWEXTEX, Bytes().i32(windowX).i32(windowY))
-        .record(mfb::EMR_SETVIEWPORTEXTEX, U32s({500, 500}));
-    return e;
-}
+using testutil::Halved;
 
 // Point lists as the writer prints them, `pts` giving each point followed by a space.
 QString Polyline(const char* pts, const QString& pen = kNoPen) {

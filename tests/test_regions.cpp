@@ -193,15 +193,6 @@ using mfb::Bytes;
 using mfb::RegionData;
 using testutil::BothOrders;
 
-// MM_ANISOTROPIC with every coordinate halved.
-mfb::Emf Halved() {
-    return mfb::Emf()
-        .bounds(0, 0, 100, 50)
-        .record(mfb::EMR_SETMAPMODE, Bytes().u32(8))
-        .record(mfb::EMR_SETWINDOWEXTEX, Bytes().i32(1000).i32(1000))
-        .record(mfb::EMR_SETVIEWPORTEXTEX, Bytes().i32(500).i32(500));
-}
-
 // A fill record's payload, or with the stroke sizes a frame record's.
 Bytes Fill(uint32_t brush, const Bytes& region, const Bytes& stroke = Bytes()) {
     return Bytes().zeros(16).u32(region.size()).u32(brush).append(stroke).append(region);
@@ -218,7 +209,7 @@ Bytes Clip(uint32_t mode, const Bytes& region) {
 // rectangles may start anywhere after the header.
 TEST(EmfRegions, FillAndFrameRecords) {
     const std::vector<mfb::Rect> touching = {{0, 0, 20, 20}, {20, 0, 40, 10}};
-    mfb::Emf e = Halved();
+    mfb::Emf e = testutil::Halved().bounds(0, 0, 100, 50);
     e.record(mfb::EMR_CREATEBRUSHINDIRECT, Bytes().u32(1).u32(0).u32(0xFF).u32(0))
         .record(mfb::EMR_FILLRGN, Fill(1, RegionData(touching)))
         .record(mfb::EMR_FRAMERGN, Fill(1, RegionData(touching), Bytes().u32(2).u32(3)))
@@ -247,7 +238,7 @@ TEST(EmfRegions, FillAndFrameRecords) {
 TEST(EmfRegions, ClipRegionsAccumulate) {
     std::vector<mfb::Rect> strips;
     for (const tagRECT& r : Strips(300)) strips.push_back({r.left, r.top, r.right, r.bottom});
-    mfb::Emf e = Halved();
+    mfb::Emf e = testutil::Halved().bounds(0, 0, 100, 50);
     e.record(mfb::EMR_EXTSELECTCLIPRGN, Clip(1, RegionData(strips)))
         .record(mfb::EMR_EXTSELECTCLIPRGN, Clip(1, RegionData({{10, 10, 30, 30}})))
         .record(mfb::EMR_EXTSELECTCLIPRGN, Clip(1, RegionData({{20, 0, 60, 20}})))

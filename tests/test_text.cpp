@@ -55,8 +55,8 @@ TEST(TextRun, EncodesAsQStringDoes) {
     const std::vector<std::vector<char16_t>> cases = {
         {},
         {'a', '<', 'b', '&', 'c', '>', '"', '\''},
-        {0xE9, 0x20AC, 0xD83D, 0xDE00},            // two- to four-byte forms
-        {0xD800, 'a', 0xDC00, 0xDC00, 0xD800},     // lone and reversed surrogates
+        {0xE9, 0x7FF, 0x800, 0x20AC, 0xD83D, 0xDE00},  // two- to four-byte forms
+        {0xD800, 'a', 0xDC00, 0xDC00, 0xD800},         // lone and reversed surrogates
         {'x', 0xD800, 0xD800, 0xDC00, 0xDBFF},     // a pair after a lone high one; high at the end
         {0, 1, 0x1F, 0x7F, 0x85, 0xFFFE, 0xFFFF},  // control characters and non-characters stay
         {' ', '\t', 0xA0, 0x3000, 0x2028},         // blank
