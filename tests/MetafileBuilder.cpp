@@ -58,12 +58,6 @@ Bytes Points16(std::initializer_list<std::pair<int, int>> points) {
     return b;
 }
 
-Bytes Points32(std::initializer_list<std::pair<int, int>> points) {
-    Bytes b;
-    for (const auto& p : points) b.i32(p.first).i32(p.second);
-    return b;
-}
-
 Bytes RegionData(const std::vector<Rect>& rects, int64_t count, uint32_t headerSize) {
     const uint32_t n = (uint32_t)rects.size();
     Bytes b;

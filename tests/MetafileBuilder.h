@@ -135,7 +135,6 @@ class Bytes {
     Bytes& append(const Bytes& other);
 
     int size() const { return (int)m_data.size(); }
-    const std::vector<uint8_t>& data() const { return m_data; }
     // The bytes, with every multi-byte field reversed when `swapped`.
     QByteArray toByteArray(bool swapped = false) const;
 
@@ -194,7 +193,6 @@ class Wmf {
 
 // Common payloads.
 Bytes Points16(std::initializer_list<std::pair<int, int>> points);
-Bytes Points32(std::initializer_list<std::pair<int, int>> points);
 // Region data: the header (dwSize, iType 1, nCount, nRgnSize, a zero rcBound) padded to
 // `headerSize` bytes, then the rectangles (left, top, right, bottom). `count` replaces the
 // rectangle count when it is not negative.

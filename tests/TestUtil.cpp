@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "byteorder/BEndTools.h"
+#include "svg/DibDecoder.h"
 #include "svgmodule.h"
 
 namespace testutil {
@@ -23,8 +24,8 @@ QString Header(int width, int height) {
         width, height);
 }
 
-QString Document(int width, int height, const QString& body) {
-    return Header(width, height) + body + QStringLiteral("</svg>\n");
+QString EmptyDocument(int width, int height) {
+    return Header(width, height) + QStringLiteral("</svg>\n");
 }
 
 QString Body(const QString& svg) {
@@ -34,12 +35,35 @@ QString Body(const QString& svg) {
     return svg.mid(start + 1, end - start - 1);
 }
 
-QString BodyInBothByteOrders(const QByteArray& stored, const QByteArray& swapped, int status) {
+namespace {
+QString BothOrders(const QByteArray& stored, const QByteArray& swapped, int status) {
+    dib::PendingMask() = QImage();
     const Result little = Convert(stored);
     EXPECT_EQ(little.status, status);
+    dib::PendingMask() = QImage();
     ForceBigEndian bigEndian;
     EXPECT_EQ(Convert(swapped).svg, little.svg);
     return Body(little.svg);
+}
+}  // namespace
+
+QString BothOrders(const mfb::Emf& file) {
+    return BothOrders(file.build(), file.build(true, true), 1);
+}
+QString BothOrders(const mfb::Wmf& file) {
+    return BothOrders(file.build(), file.build(true, true), 2);
+}
+
+mfb::Emf Halved(int32_t windowX, int32_t windowY) {
+    return mfb::Emf()
+        .record(mfb::EMR_SETMAPMODE, mfb::U32s({8}))
+        .record(mfb::EMR_SETWINDOWEXTEX, mfb::I32s({windowX, windowY}))
+        .record(mfb::EMR_SETVIEWPORTEXTEX, mfb::U32s({500, 500}));
+}
+
+QString Line(int x1, int y1, int x2, int y2, const QString& style) {
+    return QString::asprintf("<line x1=\"%d\" y1 = \"%d\" x2 =\"%d\" y2=\"%d\" ", x1, y1, x2, y2) +
+           style + QStringLiteral("/>\n");
 }
 
 LogCapture::LogCapture(const std::string& level)
@@ -61,11 +85,11 @@ std::vector<std::string> LogCapture::at(basic_logging::Level level) const {
     return out;
 }
 
-ForceBigEndian::ForceBigEndian() {
-    SetByteOrderOverride(true, QSysInfo::ByteOrder == QSysInfo::LittleEndian);
+ForceBigEndian::ForceBigEndian(bool on) : m_on(on) {
+    if (on) SetByteOrderOverride(true, QSysInfo::ByteOrder == QSysInfo::LittleEndian);
 }
 ForceBigEndian::~ForceBigEndian() {
-    SetByteOrderOverride(false, false);
+    if (m_on) SetByteOrderOverride(false, false);
 }
 
 QStringList CorpusFiles(const QString& folder) {

@@ -11,6 +11,7 @@
 
 #include "CLogSystem.h"
 #include "byteorder/BEndTools.h"
+#include "tests/MetafileBuilder.h"
 
 // Failing comparisons show QString values as text.
 inline void PrintTo(const QString& s, std::ostream* os) {
@@ -29,22 +30,31 @@ Result Convert(const QByteArray& metafile);
 
 // The document header line for a picture of width x height, line feed included.
 QString Header(int width, int height);
-// What a document of that size with `body` between header and footer reads.
-QString Document(int width, int height, const QString& body);
+// What a document of that size without drawing reads.
+QString EmptyDocument(int width, int height);
 // The text between the header line and the closing "</svg>\n".
 QString Body(const QString& svg);
-// The body of a metafile converted as stored (expecting `status`) and, from `swapped`, its
-// byte-swapped form, on a host that reads as big-endian; the two outputs must agree.
-QString BodyInBothByteOrders(const QByteArray& stored, const QByteArray& swapped, int status);
+// The body of a file converted as built (status 1 for EMF, 2 for WMF) and, byte-swapped, on a
+// host that reads as big-endian; the two documents must agree. No bitmap mask is pending
+// before either run.
+QString BothOrders(const mfb::Emf& file);
+QString BothOrders(const mfb::Wmf& file);
+
+// An EMF in MM_ANISOTROPIC with a viewport extent of 500 on both axes: coordinates are divided
+// by the window extent over 500, by default halved.
+mfb::Emf Halved(int32_t windowX = 1000, int32_t windowY = 1000);
+
+// The writer's style before any selection, and the pen text polylines take then.
+constexpr char kDefaultStyle[] = " stroke=\"black\" stroke-width=\"1\" fill=\"none\"";
+constexpr char kNoPen[] = "stroke=\"none\" stroke-width=\"1\"  fill=\"none\" ";
+// A line element with `style` before its end.
+QString Line(int x1, int y1, int x2, int y2, const QString& style = kDefaultStyle);
 
 // Collects the system-log lines while it lives, at the given level.
 class LogCapture {
   public:
     explicit LogCapture(const std::string& level = "WARN");
     ~LogCapture();
-    const std::vector<std::pair<basic_logging::Level, std::string>>& lines() const {
-        return m_lines;
-    }
     // Lines of one level.
     std::vector<std::string> at(basic_logging::Level level) const;
 
@@ -58,10 +68,14 @@ class LogCapture {
 // then reads as a little-endian file does on a big-endian host. On a little-endian host the
 // test answers "big-endian"; on a big-endian one it answers "little-endian", since there the
 // swapped file is in host order (and the real big-endian path runs on the unswapped files).
+// Constructed with `on` false it changes nothing.
 class ForceBigEndian {
   public:
-    ForceBigEndian();
+    explicit ForceBigEndian(bool on = true);
     ~ForceBigEndian();
+
+  private:
+    bool m_on;
 };
 
 // Files of the shared corpus under `folder` ("emf", "wmf", ...); empty when it is absent.

@@ -49,14 +49,14 @@ Pixels PixelsOf(const QImage& image) {
     return p;
 }
 
-// A conversion: the body with each base64 text replaced by "~", and the images decoded.
+// A document body with each base64 text replaced by "~", and the images decoded.
 struct Drawn {
     QString body;
     std::vector<QImage> images;
 };
-Drawn Split(const QString& svg) {
+Drawn Split(const QString& body) {
     static const QRegularExpression data(QStringLiteral("base64,\n([A-Za-z0-9+/=\n]*)\""));
-    Drawn d{testutil::Body(svg), {}};
+    Drawn d{body, {}};
     for (auto it = data.globalMatch(d.body); it.hasNext();) {
         const QByteArray text = it.next().captured(1).toLatin1();
         for (int at = 76; at < text.size(); at += 77) EXPECT_EQ(text[at], '\n');
@@ -64,17 +64,6 @@ Drawn Split(const QString& svg) {
     }
     d.body.replace(data, QStringLiteral("base64,\n~\""));
     return d;
-}
-
-// Converts `file(false)` and, as a big-endian host reads it, the byte-swapped `file(true)`, each
-// with no mask pending; the two documents must agree.
-Drawn ConvertBoth(const std::function<QByteArray(bool)>& file) {
-    dib::PendingMask() = QImage();
-    const QString little = testutil::Convert(file(false)).svg;
-    dib::PendingMask() = QImage();
-    testutil::ForceBigEndian bigEndian;
-    EXPECT_EQ(testutil::Convert(file(true)).svg, little);
-    return Split(little);
 }
 
 // The images of an EMF file with one EMR_STRETCHDIBITS record per bitmap: header, bits and
@@ -88,8 +77,7 @@ std::vector<Pixels> DrawDibs(std::initializer_list<Dib> dibs) {
     for (const Dib& d : dibs)
         e.record(kStretchDib, EmfStretchDib(0, 0, 1, 1, d.op, d.header, d.bits));
     std::vector<Pixels> pixels;
-    for (const QImage& image :
-         ConvertBoth([&](bool swapped) { return e.build(true, swapped); }).images)
+    for (const QImage& image : Split(testutil::BothOrders(e)).images)
         pixels.push_back(PixelsOf(image));
     return pixels;
 }
@@ -200,7 +188,7 @@ TEST(EmfBitmaps, RecordsDrawTheirBitmapsIntoTheDestination) {
                              .append(kRgbBits))
         .record(kBitBlt, Blt(kBitBlt, 100, 100, 9, 9, kBlackness, kRgb, Bytes()))
         .record(kBitBlt, Blt(kBitBlt, 100, 100, 9, 9, kBlackness, Bytes().zeros(39), Bytes()));
-    const auto [body, images] = ConvertBoth([&](bool swapped) { return e.build(true, swapped); });
+    const auto [body, images] = Split(testutil::BothOrders(e));
     EXPECT_EQ(body,
               "<rect x=\"50\" y=\"20\" width=\"40\" height=\"30\" rx=\"0\" ry=\"0\"  "
               "stroke=\"black\" stroke-width=\"1\" fill=\"none\"/>\n" +
@@ -225,7 +213,7 @@ TEST(WmfBitmaps, RecordsMapTheCornerAndKeepTheSize) {
         .record(0x0F43, rop(10).u16(6).u16(5).append(at(30, 31)).append(rgb))
         .record(0x0B23, rop(10).u16(8).u16(7).append(at(45, 46)).append(rgb))
         .record(0x0940, rop(4).u16(16).u16(16).append(at(150, 151)).zeros(2));  // no bitmap
-    const auto [body, images] = ConvertBoth([&](bool swapped) { return w.build(true, swapped); });
+    const auto [body, images] = Split(testutil::BothOrders(w));
     EXPECT_EQ(body, Image(10, 10, 16, 16) + Image(0, 0, 1, 2) + Image(1, 1, 3, 4) +
                         Image(2, 2, 5, 6) + Image(3, 3, 7, 8));
     ASSERT_EQ(images.size(), 5u);
@@ -243,7 +231,7 @@ TEST(BitmapDecoding, PendingMaskBelongsToTheThread) {
                         EmfStretchDib(0, 0, 1, 1, op, BitmapInfo(1, 1, bitCount, {0, 0xFFFFFF}),
                                       U8s({0, 0, 0, 0})))
                 .build();
-        const auto images = Split(testutil::Convert(file).svg).images;
+        const auto images = Split(testutil::Body(testutil::Convert(file).svg)).images;
         return images.size() == 1 ? PixelsOf(images[0]) : Pixels();
     };
     EXPECT_EQ(pixels(-1, 1), Pixels());

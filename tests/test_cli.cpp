@@ -7,7 +7,6 @@
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QXmlStreamReader>
 
 #include "tests/TestUtil.h"
 #include "tools/Console.h"
@@ -192,41 +191,6 @@ TEST_F(CommandLine, FoldersNamesSummaryAndGallery) {
     EXPECT_EQ(Cli({"--gallery", page, In("a.emf")}).exitCode, 0);
     const QByteArray svg = RepairSvg(testutil::Convert(Read(In("a.emf"))).svg.toUtf8());
     EXPECT_TRUE(Read(page).contains("src=\"data:image/svg+xml;base64," + svg.toBase64()));
-}
-
-// Documents that fail to parse with namespace processing, among the .svg files under `folder`.
-int UnparsableUnder(const QString& folder, int* total) {
-    int bad = 0;
-    *total = 0;
-    for (const QString& name : FilesUnder(folder)) {
-        QXmlStreamReader xml(Read(folder + "/" + name));
-        while (!xml.atEnd()) xml.readNext();
-        ++*total;
-        if (xml.hasError()) ++bad;
-    }
-    return bad;
-}
-
-TEST(CommandLineCorpus, EveryDefaultOutputParsesWithNamespaces) {
-    QTemporaryDir dir;
-    const QString corpus = QStringLiteral(SVGMODULE_CORPUS_DIR);
-    if (!QDir(corpus).exists()) GTEST_SKIP() << "no corpus at " SVGMODULE_CORPUS_DIR;
-    int bad[2], total[2];
-    for (int exact = 0; exact < 2; ++exact) {
-        const QString out = dir.filePath(exact ? "exact" : "default");
-        QStringList args = {"-O", out, "-j", "2", "-r", corpus};
-        if (exact) args << "--exact";
-        const CliRun run = Cli(args);
-        EXPECT_TRUE(run.exitCode == 0 || run.exitCode == 1) << run.err.toStdString();
-        EXPECT_TRUE(run.err.contains(QStringLiteral(" converted"))) << run.err.toStdString();
-        bad[exact] = UnparsableUnder(out, &total[exact]);
-        EXPECT_TRUE(run.err.contains(QStringLiteral(": %1 converted").arg(total[exact])));
-    }
-    EXPECT_GT(total[0], 200);
-    EXPECT_EQ(bad[0], 0);
-    EXPECT_EQ(total[1], total[0]);
-    std::printf("outputs that fail to parse: %d of %d with --exact, %d by default\n", bad[1],
-                total[1], bad[0]);
 }
 
 }  // namespace

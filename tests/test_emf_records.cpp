@@ -2,12 +2,9 @@
 // end to end; every file is converted in both byte orders, which must agree.
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <utility>
 #include <vector>
 
-#include "api/Logger.h"
-#include "emf/Emf2SVG.h"
 #include "tests/MetafileBuilder.h"
 #include "tests/TestUtil.h"
 
@@ -18,9 +15,9 @@ using Points = std::vector<std::pair<int, int>>;
 
 namespace {
 
-// The writer's style before any selection, and the pen text polylines get before any pen.
-const QString kCurrent = QStringLiteral(" stroke=\"black\" stroke-width=\"1\" fill=\"none\"");
-const QString kNoPen = QStringLiteral("stroke=\"none\" stroke-width=\"1\"  fill=\"none\" ");
+using testutil::kDefaultStyle;
+using testutil::kNoPen;
+using testutil::Line;
 
 // A point-list or poly-list payload: bounds, `counts` (the point count; or the polygon count,
 // point count and each polygon's count), the points.
@@ -45,49 +42,17 @@ Emf& Bare(Emf& e, std::initializer_list<uint32_t> types) {
     return e;
 }
 
-// MM_ANISOTROPIC with a viewport extent of 500 on both axes: coordinates are divided by the
-// window extent over 500, by default halved.
-Emf Halved(int32_t windowX = 1000, int32_t windowY = 1000) {
-    Emf e;
-    e.record(mfb::EMR_SETMAPMODE, U32s({8}))
-        .record(mfb::EMR_SETWINDOWEXTEX, Bytes().i32(windowX).i32(windowY))
-        .record(mfb::EMR_SETVIEWPORTEXTEX, U32s({500, 500}));
-    return e;
-}
-
-// Converts `e`, and the byte-swapped file read as on a big-endian host; the output and the
-// state only the style manager shows must agree. Returns the first run.
-std::unique_ptr<Emf2SvgConverter> RunBoth(const Emf& e) {
-    const auto run = [](QByteArray file) {
-        auto c = std::make_unique<Emf2SvgConverter>();
-        EXPECT_EQ(c->ConvertEMFToSVG(reinterpret_cast<unsigned char*>(file.data()), g_Logger), 1);
-        CStyleManager& s = c->Writer().StyleManager();
-        return std::make_pair(c->GetOutSVG() + s.GetCurrentFontFamily() + s.GetCurrTextStyle() +
-                                  QString::number(s.GetCurrentFontHeight()),
-                              std::move(c));
-    };
-    auto little = run(e.build());
-    testutil::ForceBigEndian bigEndian;
-    EXPECT_EQ(run(e.build(true, true)).first, little.first);
-    return std::move(little.second);
-}
-QString BodyOf(const Emf& e) {
-    return testutil::Body(RunBoth(e)->GetOutSVG());
-}
+using testutil::Halved;
 
 // Point lists as the writer prints them, `pts` giving each point followed by a space.
 QString Polyline(const char* pts, const QString& pen = kNoPen) {
     return QString("<polyline points=\"%1\n\" %2/>\n").arg(pts, pen);
 }
 QString Polygon(const char* pts) {
-    return QString("<polygon points=\"%1\n\" %2/>\n").arg(pts, kCurrent);
-}
-QString Line(int x1, int y1, int x2, int y2) {
-    return QString::asprintf("<line x1=\"%d\" y1 = \"%d\" x2 =\"%d\" y2=\"%d\" ", x1, y1, x2, y2) +
-           kCurrent + "/>\n";
+    return QString("<polygon points=\"%1\n\" %2/>\n").arg(pts, kDefaultStyle);
 }
 QString Curve(const char* d) {
-    return QString("<path d=\"") + d + "\" " + kCurrent + "/>\n";
+    return QString("<path d=\"") + d + "\" " + kDefaultStyle + "/>\n";
 }
 // The pen text of a red, round-capped pen, `dash` following the join.
 QString RedPen(int width, const char* dash = "") {
@@ -110,18 +75,17 @@ TEST(EmfObjects, PenWidthFontHeightAndDashes) {
         .record(mfb::EMR_EXTCREATEPEN, U32s({2, 0, 0, 0, 0, 7, 5, 0, 0xFF, 0, 1000, 3, 1, 2}))
         .record(mfb::EMR_EXTCREATEFONTINDIRECTW, Font(4, 15, QStringLiteral("Courier")))
         .record(mfb::EMR_SELECTOBJECT, U32s({4}))
-        .record(mfb::EMR_SETTEXTCOLOR, U32s({0x00FF0000}));
+        .record(mfb::EMR_SETTEXTCOLOR, U32s({0x00FF0000}))
+        .record(mfb::EMR_EXTTEXTOUTW,
+                U32s({0, 0, 40, 16, 1, 0, 0, 0, 0, 1, 76, 0, 0, 0, 0, 0, 0}).utf16("x", 1));
     for (uint32_t pen : {1, 2})
         e.record(mfb::EMR_SELECTOBJECT, U32s({pen}))
             .record(mfb::EMR_POLYLINE, PointList({{0, 0}, {1, 1}}, true));
-    const auto conv = RunBoth(e);
-    EXPECT_EQ(testutil::Body(conv->GetOutSVG()),
-              Polyline("0,0 1,1 ", RedPen(2)) +
-                  Polyline("0,0 1,1 ", RedPen(3, "stroke-dasharray=\" 3,1,2\" ")));
-    CStyleManager& style = conv->Writer().StyleManager();
-    EXPECT_EQ(style.GetCurrentFontHeight(), 4);
-    EXPECT_EQ(style.GetCurrentFontFamily(), QStringLiteral("Courier"));
-    EXPECT_TRUE(style.GetCurrTextStyle().endsWith(" fill=\"#0000ff\" "));
+    const QString body = testutil::BothOrders(e);
+    EXPECT_TRUE(body.contains(R"(font-family="Courier"  font-weight="700" )"
+                              "\n fill=\"#0000ff\"  font-size=\"4\" "));
+    EXPECT_TRUE(body.endsWith(Polyline("0,0 1,1 ", RedPen(2)) +
+                              Polyline("0,0 1,1 ", RedPen(3, "stroke-dasharray=\" 3,1,2\" "))));
 }
 
 // Style, hatch and colour reach the writer in that order: a red cross hatch on the background
@@ -138,8 +102,8 @@ TEST(EmfObjects, BrushArgumentsSelectionAndDeletion) {
             .record(mfb::EMR_SELECTOBJECT, U32s({7}))
             .record(mfb::EMR_SELECTOBJECT, U32s({8}))
             .record(mfb::EMR_POLYGON, PointList({{0, 0}, {4, 0}, {4, 4}}, true));
-    const QString body = BodyOf(missing);
-    EXPECT_EQ(BodyOf(created), body);
+    const QString body = testutil::BothOrders(missing);
+    EXPECT_EQ(testutil::BothOrders(created), body);
     for (const char* text : {"id=\"BACKGROUND\" fill=\"#0000ff\"", "id=\"HATCH_CROSS\"",
                              "stroke=\"#ff0000\"", "fill=\"url(#BRUSH_1)\""})
         EXPECT_TRUE(body.contains(text)) << text;
@@ -173,7 +137,7 @@ TEST(EmfPointLists, EachRecordHasItsOwnMappingAndWriterCall) {
             e.record(mfb::EMR_SETWORLDTRANSFORM, Bytes().f32(0).f32(1).f32(-1).f32(0).f32(0).f32(0))
                 .record(mfb::EMR_MOVETOEX, U32s({10, 10}))
                 .record(type, list);
-            return BodyOf(e);
+            return testutil::BothOrders(e);
         };
         EXPECT_EQ(body(PointList(used, wide)), expected) << type;
         EXPECT_EQ(body(Payload({0x40000000}, used, wide)), expected) << type;
@@ -193,8 +157,8 @@ TEST(EmfPointLists, SixteenBitCoordinatesWrapAround) {
         .record(mfb::EMR_POLYLINE16, PointList({{30000, -30000}}, false))
         .record(mfb::EMR_POLYBEZIER16, PointList({{30000, -30000}}, false))
         .record(mfb::EMR_LINETO, U32s({0, 0}));
-    EXPECT_EQ(BodyOf(e), Polyline("-25536,25536 ") + Curve("M-25536,25536 ") +
-                             Line(40000, -40000, 10000, -10000));
+    EXPECT_EQ(testutil::BothOrders(e), Polyline("-25536,25536 ") + Curve("M-25536,25536 ") +
+                                           Line(40000, -40000, 10000, -10000));
 }
 
 // Each polygon is cut to the points that remain in the record; a record whose polygon counts
@@ -218,11 +182,12 @@ TEST(EmfPolyLists, OneWriterCallPerPolygonInsideTheRecord) {
                 PointList({{0, 0}, {10, 0}, {10, 10}, {20, 20}, {20, 0}, {40, 0}, {40, 20}}, false)
                     .append(Bytes().u8(6).u8(2).u8(3).u8(6).u8(4).u8(0).u8(0)))
         .record(mfb::EMR_POLYDRAW16, PointList({{0, 0}, {2, 2}}, false));  // no types
-    EXPECT_EQ(BodyOf(e),
+    EXPECT_EQ(testutil::BothOrders(e),
               Polygon("0,0 4,0 4,4 ") + Polygon("10,10 20,10 20,20 10,20 ") + Polyline("0,0 8,8 ") +
                   Polyline("20,20 40,40 ") + Polyline("8,8 4,4 ") + Polyline("") + Polygon("") +
                   Polygon("8,8 4,4 4,8 ") + Polygon("0,0 1,0 1,1 ") + Polygon("3,3 ") +
-                  "<path d=\" M0,0 L5,0 L5,5 Z  M10,10 C10,0 20,0 20,10\"  " + kCurrent + "/>");
+                  "<path d=\" M0,0 L5,0 L5,5 Z  M10,10 C10,0 20,0 20,10\"  " + kDefaultStyle +
+                  "/>");
 }
 
 TEST(EmfPaths, BracketCollectsFiguresUntilFilledStrokedOrAborted) {
@@ -238,9 +203,9 @@ TEST(EmfPaths, BracketCollectsFiguresUntilFilledStrokedOrAborted) {
     Bare(e, {mfb::EMR_ENDPATH, mfb::EMR_FILLPATH, mfb::EMR_BEGINPATH})
         .record(mfb::EMR_POLYGON16, square);
     Bare(e, {mfb::EMR_ENDPATH, mfb::EMR_ABORTPATH, mfb::EMR_FILLPATH});
-    EXPECT_EQ(BodyOf(e), "\n<path d = \" M0,0  L4,0  L4,4  ZM3,7 C4,4 5,5 6,6 L3,7 \"" + RedPen(1) +
-                             "/>\n\n<path d = \" M1,1  L2,2  Z\"" + fill + "\n<path d = \"\"" +
-                             fill);
+    EXPECT_EQ(testutil::BothOrders(e),
+              "\n<path d = \" M0,0  L4,0  L4,4  ZM3,7 C4,4 5,5 6,6 L3,7 \"" + RedPen(1) +
+                  "/>\n\n<path d = \" M1,1  L2,2  Z\"" + fill + "\n<path d = \"\"" + fill);
 }
 
 // Records of every type, shorter than their layout or filled with noise, are read as far as
@@ -258,34 +223,4 @@ TEST(EmfMalformed, ShortAndNoisyRecordsAreSurvived) {
             EXPECT_TRUE(r.status == 1 && r.svg.endsWith("</svg>\n")) << type << " " << length;
         }
     }
-}
-
-// Every file above runs in both byte orders; this one holds every handled record type, with
-// values whose bytes differ when reversed.
-TEST(EmfByteOrder, SwappedFileConvertsAsTheLittleEndianOne) {
-    const Points pts = {{-300, 1000}, {70, -2}, {3, 30000}, {-32768, 32767}};
-    Emf e = Halved();
-    e.record(mfb::EMR_SETBKMODE, U32s({1}))
-        .record(mfb::EMR_SETBKCOLOR, U32s({0x00123456}))
-        .record(mfb::EMR_SETTEXTCOLOR, U32s({0x00654321}))
-        .record(mfb::EMR_SETTEXTALIGN, U32s({24}))
-        .record(mfb::EMR_EXTCREATEFONTINDIRECTW, Font(9, -40, QStringLiteral("Tahoma")))
-        .record(mfb::EMR_CREATEPEN, U32s({1, 0x1201, 6, 0, 0x00FF8000}))
-        // Two of the three dash entries declared.
-        .record(mfb::EMR_EXTCREATEPEN, U32s({2, 0, 0, 0, 0, 7, 4, 0, 0xFF, 0, 2, 300, 70000, 9}))
-        .record(mfb::EMR_CREATEBRUSHINDIRECT, U32s({3, 2, 0x0000FF00, 5}))
-        .record(mfb::EMR_CREATEMONOBRUSH, U32s({4, 0, 0, 0, 0, 0}));
-    for (uint32_t object : {9, 1, 3}) e.record(mfb::EMR_SELECTOBJECT, U32s({object}));
-    e.record(mfb::EMR_MOVETOEX, Bytes().i32(-300).i32(70000))
-        .record(mfb::EMR_LINETO, Bytes().i32(2000).i32(-4))
-        .record(mfb::EMR_SELECTOBJECT, U32s({2}))
-        .record(mfb::EMR_DELETEOBJECT, U32s({1}))
-        .record(mfb::EMR_POLYDRAW16, PointList(pts, false).u8(6).u8(4).u8(0).u8(0));
-    for (uint32_t type : {2, 3, 4, 5, 6, 85, 86, 87, 88, 89})
-        e.record(type, PointList(pts, type < 85));
-    Bare(e, {mfb::EMR_BEGINPATH});
-    for (uint32_t type : {7, 8, 90, 91}) e.record(type, Payload({2, 4, 1, 3}, pts, type < 90));
-    Bare(e, {mfb::EMR_CLOSEFIGURE, mfb::EMR_ENDPATH, mfb::EMR_STROKEPATH, mfb::EMR_FILLPATH,
-             mfb::EMR_ABORTPATH});
-    EXPECT_EQ(RunBoth(e)->Writer().StyleManager().GetCurrentFontFamily(), "Tahoma");
 }

@@ -14,7 +14,6 @@
 using mfb::Emf;
 using mfb::Wmf;
 using testutil::Convert;
-using testutil::Document;
 
 // Each entry's status, what it leaves in the caller's array and whether it warns. Metafiles
 // without drawing records convert to the header and footer at the picture size of their
@@ -25,7 +24,7 @@ TEST(EntryPoints, StatusOutputAndWarnings) {
         return Entry([in](QByteArray& out) { return ConvertMetaFileToSVG(in, out); });
     };
     const auto patched = [](QByteArray b, int at, char v) { return b.replace(at, 1, &v, 1); };
-    const auto empty = [](int width, int height) { return Document(width, height, QString()); };
+    const auto empty = testutil::EmptyDocument;
     const QString kept = QStringLiteral("caller's bytes");
     const QByteArray emf = Emf().build(), wmf = Wmf().build();
     const QByteArray placeable = Wmf().placeable(0, 0, 2880, 1440, 1440).build();
@@ -90,12 +89,12 @@ TEST(EntryPoints, HostCallsThePlainNamesThroughDlopen) {
     ASSERT_TRUE(convert && fromFile);
     QByteArray out;
     EXPECT_EQ(convert(Emf().build(), out), 1);
-    EXPECT_EQ(QString::fromUtf8(out), Document(100, 100, QString()));
+    EXPECT_EQ(QString::fromUtf8(out), testutil::EmptyDocument(100, 100));
     QTemporaryDir dir;
     QFile file(dir.filePath(QStringLiteral("a.wmf")));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(Wmf().build()) > 0);
     file.close();
     EXPECT_EQ(fromFile(file.fileName(), out), 2);
-    EXPECT_EQ(QString::fromUtf8(out), Document(1024, 768, QString()));
+    EXPECT_EQ(QString::fromUtf8(out), testutil::EmptyDocument(1024, 768));
     dlclose(lib);
 }

@@ -124,22 +124,23 @@ TEST(WorldTransform, SetReachesTheWriterAndModifyModesCompose) {
 // Without a placeable header a coordinate is divided by 15 after its distance from the window
 // origin (whose y starts at 1) is cut to 16 bits; a window extent changes nothing. Placeable
 // files divide by Inch / 96 (an Inch of 0 reads as 1440) and stretch by bounding box over
-// window extent (a zero extent: by the box itself); results outside 16 bits read -32768.
+// window extent (a zero extent: by the box itself); results outside 16 bits read -32768. The
+// byte-swapped files map alike on a host that reads as big-endian.
 TEST(WmfMapping, ScaleOriginAndWindowExtent) {
     const auto yx = [](int y, int x) { return Bytes().i16((int16_t)y).i16((int16_t)x); };
     const auto placeable = [&](int inch, int box, int extX, int extY) {
         Wmf f = Wmf().placeable(0, 0, box, box / 2, inch).record(META_SETWINDOWORG, yx(0, 0));
         if (extX >= 0) f.record(META_SETWINDOWEXT, yx(extY, extX));
-        return f.build();
+        return f;
     };
-    const QByteArray moved =
-        Wmf().record(META_SETWINDOWEXT, yx(10, 10)).record(META_SETWINDOWORG, yx(100, 100)).build();
-    const std::tuple<const char*, QByteArray, int, int, int, int> cases[] = {
-        {"twips", Wmf().build(), 30, 2, 45, 2},
-        {"twips, truncated toward zero", Wmf().build(), -29, -1, -45, -3},
-        {"window origin", moved, 250, 10, 100, 0},
-        {"distance wraps in 16 bits", Wmf().record(META_SETWINDOWORG, yx(0, -2)).build(), 32767,
-         -2184, 32767, 2184},
+    const Wmf moved =
+        Wmf().record(META_SETWINDOWEXT, yx(10, 10)).record(META_SETWINDOWORG, yx(100, 200));
+    const std::tuple<const char*, Wmf, int, int, int, int> cases[] = {
+        {"twips", Wmf(), 30, 2, 45, 2},
+        {"twips, truncated toward zero", Wmf(), -29, -1, -45, -3},
+        {"window origin", moved, 250, 3, 100, 0},
+        {"distance wraps in 16 bits", Wmf().record(META_SETWINDOWORG, yx(0, -2)), 32767, -2184,
+         32767, 2184},
         {"extent matches the box", placeable(1440, 2880, 2880, 1440), 2880, 192, 1440, 96},
         {"half the box", placeable(1440, 2880, 1440, 720), 2880, 384, 1440, 192},
         {"zero extent", placeable(1440, 2880, 0, 720), 15, 2880, 15, 1440},
@@ -148,8 +149,11 @@ TEST(WmfMapping, ScaleOriginAndWindowExtent) {
         {"out of range", placeable(96, 30000, 1, 1), 10, -32768, 10, -32768},
     };
     for (const auto& [what, file, xIn, x, yIn, y] : cases) {
-        const auto converter = RunWmf(file);
-        EXPECT_EQ(converter->MapX(xIn), x) << what;
-        EXPECT_EQ(converter->MapY(yIn), y) << what;
+        for (bool swapped : {false, true}) {
+            testutil::ForceBigEndian order(swapped);
+            const auto converter = RunWmf(file.build(true, swapped));
+            EXPECT_EQ(converter->MapX(xIn), x) << what << swapped;
+            EXPECT_EQ(converter->MapY(yIn), y) << what << swapped;
+        }
     }
 }

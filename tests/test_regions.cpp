@@ -167,28 +167,23 @@ TEST(RegionConversion, UnionAndRectanglesOfARegion) {
 
 namespace {
 
-const std::string kNoPen = R"(stroke="none" stroke-width="1"  fill="none" )";
-const std::string kRedFill = "stroke=\"none\" stroke-width=\"1\" fill=\"#ff0000\"\n";
-const std::string kClipRect = R"(stroke="none" fill="none" stroke-width="1" )";
+using testutil::Line;
+const QString kRedFill = "stroke=\"none\" stroke-width=\"1\" fill=\"#ff0000\"\n";
+const QString kClipRect = R"(stroke="none" fill="none" stroke-width="1" )";
 
-std::string Rect(const tagRECT& r, const std::string& style) {
-    const char* f = "<rect x=\"%d\" y=\"%d\" width=\"%d\" height=\"%d\" rx=\"0\" ry=\"0\" %s/>\n";
-    const int w = r.right - r.left, h = r.bottom - r.top;
-    return QString::asprintf(f, r.left, r.top, w, h, style.c_str()).toStdString();
-}
-std::string Line(int x1, int y1, int x2, int y2, const std::string& style) {
-    const char* f = "<line x1=\"%d\" y1 = \"%d\" x2 =\"%d\" y2=\"%d\" %s/>\n";
-    return QString::asprintf(f, x1, y1, x2, y2, style.c_str()).toStdString();
+QString Rect(const tagRECT& r, const QString& style) {
+    const char* f = "<rect x=\"%d\" y=\"%d\" width=\"%d\" height=\"%d\" rx=\"0\" ry=\"0\" ";
+    return QString::asprintf(f, r.left, r.top, r.right - r.left, r.bottom - r.top) + style + "/>\n";
 }
 // The outline of the two touching rectangles below, horizontal segments styled `h`, vertical
 // ones `v`.
-std::string TouchingOutline(const std::string& h, const std::string& v) {
+QString TouchingOutline(const QString& h, const QString& v) {
     return Line(0, 0, 10, 0, h) + Line(0, 10, 10, 10, h) + Line(10, 0, 20, 0, h) +
            Line(10, 5, 20, 5, h) + Line(0, 0, 0, 10, v) + Line(20, 0, 20, 5, v) +
            Line(10, 5, 10, 10, v);
 }
-std::string ClipDef(int id, const std::string& content) {
-    return "\n<defs><clipPath id= \"ClPath" + std::to_string(id) + "\">" + content +
+QString ClipDef(int id, const QString& content) {
+    return "\n<defs><clipPath id= \"ClPath" + QString::number(id) + "\">" + content +
            "</clipPath></defs>";
 }
 
@@ -196,25 +191,7 @@ const tagRECT kTouching[] = {{0, 0, 10, 10}, {10, 0, 20, 5}};
 
 using mfb::Bytes;
 using mfb::RegionData;
-
-// The body of the file's document, which the byte-swapped file read as on a big-endian host
-// must reproduce.
-std::string BothOrders(const mfb::Emf& e) {
-    const auto little = testutil::Convert(e.build());
-    EXPECT_EQ(little.status, 1);
-    testutil::ForceBigEndian bigEndian;
-    EXPECT_EQ(testutil::Convert(e.build(true, true)).svg, little.svg);
-    return testutil::Body(little.svg).toStdString();
-}
-
-// MM_ANISOTROPIC with every coordinate halved.
-mfb::Emf Halved() {
-    return mfb::Emf()
-        .bounds(0, 0, 100, 50)
-        .record(mfb::EMR_SETMAPMODE, Bytes().u32(8))
-        .record(mfb::EMR_SETWINDOWEXTEX, Bytes().i32(1000).i32(1000))
-        .record(mfb::EMR_SETVIEWPORTEXTEX, Bytes().i32(500).i32(500));
-}
+using testutil::BothOrders;
 
 // A fill record's payload, or with the stroke sizes a frame record's.
 Bytes Fill(uint32_t brush, const Bytes& region, const Bytes& stroke = Bytes()) {
@@ -232,7 +209,7 @@ Bytes Clip(uint32_t mode, const Bytes& region) {
 // rectangles may start anywhere after the header.
 TEST(EmfRegions, FillAndFrameRecords) {
     const std::vector<mfb::Rect> touching = {{0, 0, 20, 20}, {20, 0, 40, 10}};
-    mfb::Emf e = Halved();
+    mfb::Emf e = testutil::Halved().bounds(0, 0, 100, 50);
     e.record(mfb::EMR_CREATEBRUSHINDIRECT, Bytes().u32(1).u32(0).u32(0xFF).u32(0))
         .record(mfb::EMR_FILLRGN, Fill(1, RegionData(touching)))
         .record(mfb::EMR_FRAMERGN, Fill(1, RegionData(touching), Bytes().u32(2).u32(3)))
@@ -261,7 +238,7 @@ TEST(EmfRegions, FillAndFrameRecords) {
 TEST(EmfRegions, ClipRegionsAccumulate) {
     std::vector<mfb::Rect> strips;
     for (const tagRECT& r : Strips(300)) strips.push_back({r.left, r.top, r.right, r.bottom});
-    mfb::Emf e = Halved();
+    mfb::Emf e = testutil::Halved().bounds(0, 0, 100, 50);
     e.record(mfb::EMR_EXTSELECTCLIPRGN, Clip(1, RegionData(strips)))
         .record(mfb::EMR_EXTSELECTCLIPRGN, Clip(1, RegionData({{10, 10, 30, 30}})))
         .record(mfb::EMR_EXTSELECTCLIPRGN, Clip(1, RegionData({{20, 0, 60, 20}})))
@@ -280,9 +257,9 @@ TEST(EmfRegions, ClipRegionsAccumulate) {
                 Bytes().zeros(16).u32(2).append(mfb::Points16({{2, 2}, {4, 4}})))
         .record(mfb::EMR_EXTSELECTCLIPRGN, Clip(2, RegionData({{0, 40, 4, 44}})))
         .record(mfb::EMR_SELECTCLIPPATH, Bytes().u32(5));
-    const std::string clipped6 = "clip-path=\"url(#ClPath6)\"";
-    const auto def = [](int id, std::vector<tagRECT> rects, const std::string& clip = "") {
-        std::string content;
+    const QString clipped6 = "clip-path=\"url(#ClPath6)\"", noPen = testutil::kNoPen;
+    const auto def = [](int id, std::vector<tagRECT> rects, const QString& clip = "") {
+        QString content;
         for (const tagRECT& r : rects) content += Rect(r, kClipRect + clip);
         return ClipDef(id, content);
     };
@@ -294,8 +271,8 @@ TEST(EmfRegions, ClipRegionsAccumulate) {
             def(5, {{25, 10, 30, 20}, {0, 40, 10, 50}}) +
             Line(0, 0, 4, 4,
                  R"x(stroke="black" stroke-width="1" fill="none" clip-path="url(#ClPath5)")x") +
-            ClipDef(6, "\n<path d = \" M0,0  L5,0  L5,5  Z\" " + kNoPen + "/>\n") +
-            "<polyline points=\"1,1 2,2 \n\" " + kNoPen + clipped6 + "/>\n" +
+            ClipDef(6, "\n<path d = \" M0,0  L5,0  L5,5  Z\" " + noPen + "/>\n") +
+            "<polyline points=\"1,1 2,2 \n\" " + noPen + clipped6 + "/>\n" +
             def(7, {{25, 10, 30, 20}, {0, 40, 10, 50}}, clipped6) +
-            ClipDef(8, "\n<path d = \"\" " + kNoPen + "/>\n"));
+            ClipDef(8, "\n<path d = \"\" " + noPen + "/>\n"));
 }

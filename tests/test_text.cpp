@@ -55,8 +55,8 @@ TEST(TextRun, EncodesAsQStringDoes) {
     const std::vector<std::vector<char16_t>> cases = {
         {},
         {'a', '<', 'b', '&', 'c', '>', '"', '\''},
-        {0xE9, 0x20AC, 0xD83D, 0xDE00},            // two- to four-byte forms
-        {0xD800, 'a', 0xDC00, 0xDC00, 0xD800},     // lone and reversed surrogates
+        {0xE9, 0x7FF, 0x800, 0x20AC, 0xD83D, 0xDE00},  // two- to four-byte forms
+        {0xD800, 'a', 0xDC00, 0xDC00, 0xD800},         // lone and reversed surrogates
         {'x', 0xD800, 0xD800, 0xDC00, 0xDBFF},     // a pair after a lone high one; high at the end
         {0, 1, 0x1F, 0x7F, 0x85, 0xFFFE, 0xFFFF},  // control characters and non-characters stay
         {' ', '\t', 0xA0, 0x3000, 0x2028},         // blank
@@ -112,15 +112,15 @@ TEST(EmfText, RecordsDrawTheirCharacters) {
         std::vector<std::pair<uint32_t, Bytes>> records;
         QString expected;
     } cases[] = {
-        // Baseline alignment keeps the point. The window origin is subtracted; once a viewport
-        // origin is set, it is added after scaling instead.
-        {{{mfb::EMR_SETTEXTALIGN, U32s({24})},
+        // Bottom alignment lifts the point by the descent. The window origin is subtracted;
+        // once a viewport origin is set, it is added after scaling instead.
+        {{{mfb::EMR_SETTEXTALIGN, U32s({8})},
           {mfb::EMR_SETWINDOWORGEX, U32s({100, 100})},
           {mfb::EMR_EXTTEXTOUTW, ExtText("Hi", 150, 150)},
           {mfb::EMR_SETVIEWPORTORGEX, U32s({10, 20})},
           {mfb::EMR_EXTTEXTOUTW, ExtText("Hi", 150, 150)},
           {mfb::EMR_SMALLTEXTOUT, SmallText("Hi", 0x300)}},
-         Box(-100, -100) + T(50, 50, "Hi") + Box(-100, -100) + T(160, 170, "Hi") +
+         Box(-100, -100) + T(50, 47, "Hi") + Box(-100, -100) + T(160, 167, "Hi") +
              T(110, 70, "Hi", kSmall)},
         // Top alignment; blank text is not drawn, small text is; spaces around text stay.
         {{{mfb::EMR_EXTTEXTOUTW, ExtText(" \t ")},
@@ -155,7 +155,7 @@ TEST(EmfText, RecordsDrawTheirCharacters) {
     for (const auto& c : cases) {
         mfb::Emf e;
         for (const auto& [type, payload] : c.records) e.record(type, payload);
-        EXPECT_EQ(testutil::BodyInBothByteOrders(e.build(), e.build(true, true), 1), c.expected);
+        EXPECT_EQ(testutil::BothOrders(e), c.expected);
     }
 }
 
@@ -175,7 +175,7 @@ TEST(WmfText, ExtTextOutDrawsLatin1Characters) {
         .record(mfb::META_CREATEFONTINDIRECT, Bytes().i16(210).zeros(16).latin1("Arial", 32))
         .record(mfb::META_SELECTOBJECT, Bytes().u16(0))
         .record(mfb::META_EXTTEXTOUT, text(0, 0, ""));
-    EXPECT_EQ(testutil::BodyInBothByteOrders(wmf.build(), wmf.build(true, true), 2),
+    EXPECT_EQ(testutil::BothOrders(wmf),
               T(10, 10, "Hello", kWmf) + T(10, 10, "He", kWmf) + T(10, 10, "AB", kWmf) +
                   T(10, 10, QString::fromUtf8("\xc3\xa9&lt;"), kWmf) +
                   T(10, 10, "", kWmf, " font-family=\"Arial\" font-size=\"0\"  fill=\"black\" "));

@@ -1,19 +1,16 @@
-// WMF object and line-art records: the handle table, pens and fonts, the drawing records,
-// malformed counts and byte-swapped files.
+// WMF object and line-art records: the handle table, pens and fonts, the drawing records and
+// malformed counts; every file converts alike in both byte orders.
 #include <gtest/gtest.h>
 
-#include <QFile>
-#include <QTemporaryDir>
-#include <optional>
-
+#include "byteorder/RecordReader.h"
 #include "byteorder/WmfNormalisers.h"
-#include "svgmodule.h"
+#include "style/StyleMgr.h"
 #include "tests/MetafileBuilder.h"
 #include "tests/TestUtil.h"
-#include "wmf/Wmf2SVG.h"
 
 using namespace mfb;
-using testutil::Convert;
+using testutil::BothOrders;
+using testutil::Line;
 
 namespace {
 
@@ -48,56 +45,19 @@ Bytes PolyPoly(std::initializer_list<uint16_t> counts,
     return b.append(Points16(points));
 }
 
-const QString kStyle = QStringLiteral(" stroke=\"black\" stroke-width=\"1\" fill=\"none\"/>\n");
+const QString kStyle = QString(testutil::kDefaultStyle) + "/>\n";
 
 // The current style once a round-capped pen is selected over the default brush.
-QString PenSelected(const char* colour, int width = 1) {
+QString PenSelected(const char* colour, int width = 1, const char* fill = " fill=\"white\"") {
     return QString::asprintf(
         " stroke=\"%s\" stroke-width=\"%d\" \n stroke-linecap = \"round\" "
-        "stroke-linejoin = \"round\"  fill=\"white\"/>\n",
-        colour, width);
+        "stroke-linejoin = \"round\" %s",
+        colour, width, fill);
 }
-QString Line(int x1, int y1, int x2, int y2, const QString& style = kStyle) {
-    return QString::asprintf("<line x1=\"%d\" y1 = \"%d\" x2 =\"%d\" y2=\"%d\" ", x1, y1, x2, y2) +
-           style;
-}
-
-QString BodyOf(const Wmf& file) {
-    const auto r = Convert(file.build());
-    EXPECT_EQ(r.status, 2);
-    return testutil::Body(r.svg);
-}
-
-// One record as a file holds it, in a scratch copy the normalisers may rewrite.
-struct Record {
-    Record(uint16_t function, const Bytes& params, bool swapped)
-        : bytes(
-              Bytes().u32(3 + params.size() / 2).u16(function).append(params).toByteArray(swapped)),
-          copy(reinterpret_cast<const unsigned char*>(bytes.constData()), (size_t)bytes.size()) {}
-    QByteArray bytes;
-    records::ScratchCopy copy;
-};
-
-// A converter fed record by record through its dispatcher, so that tests can inspect its state.
-struct Player {
-    explicit Player(uint16_t inch) {
-        _PlaceableMetaHeader header = {};
-        header.BoundingBox = tagRECT16{0, 0, 1000, 1000};
-        header.Inch = inch;
-        converter.InitializeCoordinates(inch != 0, header);
-        converter.InitWMFRecHandlers();
-    }
-    Player& play(uint16_t function, const Bytes& params, bool swapped) {
-        Record r(function, params, swapped);
-        converter.HandleWMFRecordData(r.copy.data(), (unsigned int)r.bytes.size(), log);
-        return *this;
-    }
-    CLogger log;
-    WMF2SVGConverter converter;
-};
 
 }  // namespace
 
+// Slots are taken lowest first; a hatched brush writes its pattern once, when it is made.
 TEST(WmfObjects, CreationTakesTheLowestFreeSlot) {
     Wmf f;
     f.record(0x00F7, Bytes().u16(0x0300).u16(0))                 // palette: takes no slot
@@ -109,20 +69,21 @@ TEST(WmfObjects, CreationTakesTheLowestFreeSlot) {
         .record(META_CREATEPENINDIRECT, Pen(0, 15, 0x00FF0000))  // 1
         .record(META_DELETEOBJECT, Index(0))
         .record(META_DELETEOBJECT, Index(2))
-        .record(META_CREATEBRUSHINDIRECT, Brush(0, 0x0000FFFF))  // 0
-        .record(META_CREATEFONTINDIRECT, Font(200))              // 2
-        .record(META_CREATEPENINDIRECT, Pen(0, 15, 0x00808080))  // 3
+        .record(META_CREATEBRUSHINDIRECT, Brush(2, 0x0000FFFF, 3))  // 0
+        .record(META_CREATEFONTINDIRECT, Font(200))                 // 2
+        .record(META_CREATEPENINDIRECT, Pen(0, 15, 0x00808080))     // 3
         .record(META_SELECTOBJECT, Index(1))
         .record(META_LINETO, YX(150, 151))
         .record(META_SELECTOBJECT, Index(3))
         .record(META_LINETO, YX(300, 301))
         .record(META_SELECTOBJECT, Index(0))
         .record(META_LINETO, YX(450, 451));
-    QString yellowBrush = PenSelected("#808080");
-    yellowBrush.replace(QStringLiteral(" fill=\"white\""), QStringLiteral("  fill=\"#ffff00\"\n"));
-    EXPECT_EQ(BodyOf(f), Line(0, 0, 10, 10, PenSelected("#0000ff")) +
-                             Line(10, 10, 20, 20, PenSelected("#808080")) +
-                             Line(20, 20, 30, 30, yellowBrush));
+    CStyleManager hatch;
+    hatch.EmfCreateBrush(0, 2, 3, 0x0000FFFF);
+    EXPECT_EQ(BothOrders(f),
+              hatch.GetPatternDef(0) + Line(0, 0, 10, 10, PenSelected("#0000ff")) +
+                  Line(10, 10, 20, 20, PenSelected("#808080")) +
+                  Line(20, 20, 30, 30, PenSelected("#808080", 1, "  fill=\"url(#BRUSH_1)\" \n")));
 }
 
 // Widths are divided by the scale (15 without a placeable header) and truncated; a width
@@ -134,35 +95,26 @@ TEST(WmfObjects, PenWidthsAreDividedByTheScale) {
         f.record(META_CREATEPENINDIRECT, Pen(c[0], c[1], 0))
             .record(META_SELECTOBJECT, Index(0))
             .record(META_LINETO, YX(150, 151));
-        EXPECT_EQ(BodyOf(f), Line(0, 0, 10, 10, PenSelected("black", c[2])))
+        EXPECT_EQ(BothOrders(f), Line(0, 0, 10, 10, PenSelected("black", c[2])))
             << "style " << c[0] << " width " << c[1];
     }
 }
 
-// Heights are unsigned 16-bit values divided by the units per inch; a record that ends inside
-// the face name reads the rest as zeros. META_SETBKMODE's reserved word is read when present.
-// Both byte orders read alike.
-TEST(WmfObjects, FontsAndBkModeInBothByteOrders) {
-    // Inch (0: no placeable header, 1440), height, face name bytes, expected height.
+// Heights are unsigned 16-bit values divided by the units per inch (1440 without a placeable
+// header); a record that ends inside the face name reads the rest as zeros.
+TEST(WmfObjects, FontHeightsAndFaceNames) {
+    // Inch (0: no placeable header), height, face name bytes, expected height.
     const int fonts[][4] = {
         {0, 2880, 32, 2}, {0, -200, 32, 45}, {720, 2880, 32, 4}, {0, 2880, 2, 2}};
-    for (bool swapped : {false, true}) {
-        std::optional<testutil::ForceBigEndian> order;
-        if (swapped) order.emplace();
-        for (const auto& c : fonts) {
-            Player p((uint16_t)c[0]);
-            p.play(META_CREATEFONTINDIRECT, Font((int16_t)c[1], c[2]), swapped)
-                .play(META_SELECTOBJECT, Index(0), swapped);
-            CStyleManager& style = p.converter.Writer().StyleManager();
-            EXPECT_EQ(style.GetCurrentFontHeight(), c[3]) << "height " << c[1];
-            EXPECT_EQ(style.GetCurrentFontFamily(), QStringLiteral("Arial").left(c[2]));
-        }
-        Record full(META_SETBKMODE, Bytes().u16(1).u16(7), swapped);
-        Record shortened(META_SETBKMODE, Bytes().u16(2), swapped);
-        const tagWMRSETBKMODE a = ReadWmfRecord(full.copy.data(), InitWMRSETBKMODE);
-        const tagWMRSETBKMODE b = ReadWmfRecord(shortened.copy.data(), InitWMRSETBKMODE);
-        EXPECT_EQ(std::make_pair(a.BkMode, a.Reserved), std::make_pair(uint16_t(1), uint16_t(7)));
-        EXPECT_EQ(std::make_pair(b.BkMode, b.Reserved), std::make_pair(uint16_t(2), uint16_t(0)));
+    for (const auto& c : fonts) {
+        Wmf f;
+        if (c[0]) f.placeable(0, 0, 1000, 1000, (uint16_t)c[0]);
+        f.record(META_CREATEFONTINDIRECT, Font((int16_t)c[1], c[2]))
+            .record(META_SELECTOBJECT, Index(0))
+            .record(META_EXTTEXTOUT, Bytes().i16(0).i16(0).u16(1).u16(0).latin1("x", 1));
+        const QString font = " font-family=\"" + QStringLiteral("Arial").left(c[2]) +
+                             "\" font-size=\"" + QString::number(c[3]) + "\" ";
+        EXPECT_TRUE(BothOrders(f).contains(font)) << "height " << c[1];
     }
 }
 
@@ -171,7 +123,7 @@ TEST(WmfObjects, FontsAndBkModeInBothByteOrders) {
 TEST(WmfDrawing, RecordsMapToWriterElementsWithCountsClipped) {
     const QString rect = R"(<rect x="0" y="0" width="10" height="10" rx="0" ry="0" )" + kStyle;
     const QString circle = R"(<circle cx="10" cy = "10" r="10" )" + kStyle;
-    const QString polyline = "\n\" stroke=\"none\" stroke-width=\"1\"  fill=\"none\" />\n";
+    const QString polyline = "\n\" " + QString(testutil::kNoPen) + "/>\n";
     const QString polygon = "\n\" " + kStyle;
     const QString path = "\" fill-rule=\"evenodd\"" + kStyle;
     const struct {
@@ -188,7 +140,8 @@ TEST(WmfDrawing, RecordsMapToWriterElementsWithCountsClipped) {
         {"radii equal once halved", META_ELLIPSE, Edges(0, 1, 315, 301), circle},
         {"ellipse", META_ELLIPSE, Edges(0, 1, 300, 151),
          R"(<ellipse cx="10" cy = "5" rx = "10" ry = "5 " )" + kStyle},
-        {"pattern blit", META_PATBLT, Blt(0, 1, 150, 151), rect},
+        {"pattern blit", META_PATBLT, Blt(15, 31, 150, 151),
+         R"(<rect x="1" y="2" width="10" height="10" rx="0" ry="0" )" + kStyle},
         {"arc", META_ARC, Bytes().zeros(16), QString()},
         {"more points declared", META_POLYLINE, Poly(5, {{0, 1}, {150, 16}}),
          "<polyline points=\"0,0 10,1 " + polyline},
@@ -212,55 +165,15 @@ TEST(WmfDrawing, RecordsMapToWriterElementsWithCountsClipped) {
         file.record(META_MOVETO, YX(150, 151))
             .record(c.function, c.params)
             .record(META_MOVETO, YX(0x0707, 0x0707));
-        EXPECT_EQ(BodyOf(file), c.body) << c.name;
+        EXPECT_EQ(BothOrders(file), c.body) << c.name;
     }
-}
-
-// A file holding every record handled here converts alike in both byte orders, and none of
-// its records reaches the record log.
-TEST(WmfByteOrder, SwappedFileConvertsAlike) {
-    Wmf f;
-    f.record(META_SETWINDOWORG, YX(-30, 16))
-        .record(META_SETBKMODE, Bytes().u16(1).u16(0))
-        .record(META_CREATEPENINDIRECT, Pen(0x0201, 45, 0x00123456))
-        .record(META_CREATEBRUSHINDIRECT, Brush(0, 0x00654321))
-        .record(META_CREATEFONTINDIRECT, Font(-2880))
-        .record(META_SELECTOBJECT, Index(0))
-        .record(META_SELECTOBJECT, Index(1))
-        .record(META_SELECTOBJECT, Index(2))
-        .record(META_MOVETO, YX(-300, 451))
-        .record(META_LINETO, YX(1234, -567))
-        .record(META_POLYLINE, Poly(3, {{-15, 31}, {600, -700}, {3000, 3000}}))
-        .record(META_POLYGON, Poly(4, {{1, 2}, {300, 2}, {300, 400}}))
-        .record(META_POLYPOLYGON,
-                PolyPoly({3, 0, 4}, {{0, 1}, {150, 1}, {0, 151}, {-300, 301}, {450, -301}}))
-        .record(META_RECTANGLE, Edges(-150, 16, 1500, 1510))
-        .record(META_ELLIPSE, Edges(-300, 1, 300, 151))
-        .record(META_PATBLT, Blt(-150, 31, 1500, 751))
-        .record(META_ARC, Edges(1, 2, 3, 4).append(Edges(5, 6, 7, 8)))
-        .record(META_DELETEOBJECT, Index(1))
-        .record(META_CREATEBRUSHINDIRECT, Brush(2, 0x000000FF, 3))
-        .record(META_SELECTOBJECT, Index(1))
-        .record(META_RECTANGLE, Edges(0, 1, 300, 301));
-    QTemporaryDir dir;
-    const QString logName = dir.filePath(QStringLiteral("records.txt"));
-    EnableLogging(true, logName);
-    const auto little = Convert(f.build());
-    EnableLogging(false, QString());
-    QFile log(logName);
-    ASSERT_TRUE(log.open(QIODevice::ReadOnly));
-    EXPECT_EQ(log.readAll().toStdString(), "#Start Of File\n\n\nEnd of File\n\n");
-    EXPECT_TRUE(little.svg.contains(QStringLiteral("<path d=\"")));
-    testutil::ForceBigEndian bigEndian;
-    EXPECT_EQ(Convert(f.build(true, true)).svg, little.svg);
 }
 
 // Records of every short length filled with 0xFF, in both byte orders: counts of 65535 and
 // extreme coordinates neither read outside the record nor stop the conversion.
 TEST(WmfRobustness, ShortAndSaturatedRecords) {
     for (bool swapped : {false, true}) {
-        std::optional<testutil::ForceBigEndian> order;
-        if (swapped) order.emplace();
+        testutil::ForceBigEndian order(swapped);
         for (uint16_t function : kHandled) {
             Wmf f;
             for (int words = 0; words <= 30; ++words) {
@@ -268,7 +181,8 @@ TEST(WmfRobustness, ShortAndSaturatedRecords) {
                 for (int i = 0; i < words; ++i) params.u16(0xFFFF);
                 f.record(function, params);
             }
-            EXPECT_EQ(Convert(f.build(true, swapped)).status, 2) << "function " << function;
+            EXPECT_EQ(testutil::Convert(f.build(true, swapped)).status, 2)
+                << "function " << function;
         }
     }
     // The array normalisers read nothing past the record, even from a buffer that ends there.
