@@ -86,11 +86,17 @@ struct Item {
 // after the input edges as they are made, so the edges after a cursor are those still waiting
 // for their turn. A cursor is compared with them one by one on a short line, through an index
 // on a long one. The buffers are kept from one line to the next.
+// The most pieces the pass may make: for every edge, and at least.
+const size_t kPiecesPerEdge = 2, kPiecesAtLeast = 1 << 16;
+struct PieceBudgetExceeded {};
+
 class LineCanceller {
   public:
     // Runs the pass over `line` (indices into `items`, in list order): clears `alive` of the
     // edges removed and appends the pieces made to `items`.
-    void Run(std::vector<Item>& items, const std::vector<uint32_t>& line);
+    // Runs the pass over one line; throws PieceBudgetExceeded when the items would pass
+    // `maxItems`.
+    void Run(std::vector<Item>& items, const std::vector<uint32_t>& line, size_t maxItems);
 
   private:
     // Equal waiting edges of a long line, in list order, and the span they cover.
@@ -141,10 +147,13 @@ class LineCanceller {
     std::vector<uint32_t> m_heapOf;  // node -> index into m_heaps + 1, 0 for none
     std::vector<std::vector<uint32_t>> m_heaps;
     size_t m_heapsUsed = 0;
+    size_t m_maxItems = 0;
 };
 
-void LineCanceller::Run(std::vector<Item>& items, const std::vector<uint32_t>& line) {
+void LineCanceller::Run(std::vector<Item>& items, const std::vector<uint32_t>& line,
+                        size_t maxItems) {
     m_items = &items;
+    m_maxItems = maxItems;
     m_ids = line;
     m_edges.clear();
     for (uint32_t id : line) m_edges.push_back(items[id].edge);
@@ -237,6 +246,7 @@ void LineCanceller::Replace(uint32_t s, uint32_t j) {
     std::vector<Item>& items = *m_items;
     Edge pieces[2];
     const int n = SplitEdges(m_edges[s], m_edges[j], pieces);
+    if (items.size() + (size_t)n > m_maxItems) throw PieceBudgetExceeded();
     items[m_ids[s]].alive = items[m_ids[j]].alive = 0;
     const uint32_t generation = items[m_ids[s]].generation + 1;
     for (int k = 0; k < n; ++k) {
@@ -324,6 +334,9 @@ uint32_t LineCanceller::Top(int node) {
 
 // The pass over `edges` (in list order): the surviving edges in list order.
 std::vector<Edge> CancelSharedEdges(const std::vector<Edge>& edges) {
+    // Overlapping edges split each other; rectangles of a real region touch, and a line of
+    // edges that all overlap could make pieces in the square of their number.
+    const size_t maxItems = kPiecesPerEdge * edges.size() + kPiecesAtLeast;
     const uint32_t n = (uint32_t)edges.size();
     std::vector<Item> items;
     items.reserve(n);
@@ -337,7 +350,7 @@ std::vector<Edge> CancelSharedEdges(const std::vector<Edge>& edges) {
     for (uint32_t first = 0, last = 0; first < n; first = last) {
         while (last < n && edges[order[last]].line == edges[order[first]].line) ++last;
         line.assign(order.begin() + first, order.begin() + last);
-        canceller.Run(items, line);
+        canceller.Run(items, line, maxItems);
     }
 
     // Places in the list: the input edges first, then each generation of pieces in the order
@@ -495,8 +508,14 @@ int ConvertRgnDataToPath(int count, const tagRECT* rects, std::list<CLine>& out)
         line.ArrangeInOrder();
         out.push_back(line);
     };
-    for (const Edge& e : CancelSharedEdges(horizontal)) append(Horizontal<CLine>(e));
-    for (const Edge& e : CancelSharedEdges(vertical)) append(Vertical<CLine>(e));
+    try {
+        for (const Edge& e : CancelSharedEdges(horizontal)) append(Horizontal<CLine>(e));
+        for (const Edge& e : CancelSharedEdges(vertical)) append(Vertical<CLine>(e));
+    } catch (const PieceBudgetExceeded&) {
+        // Rectangles overlapping far beyond any region's: no outline at all.
+        out.clear();
+        TRACE_RETURN(0);
+    }
     TRACE_RETURN(1);
 }
 

@@ -241,6 +241,22 @@ QByteArray EmfRegionFrame(int bytes) {
     return e.build();
 }
 
+// Wide rectangles on three rows, overlapping at random: edges that all split each other.
+QByteArray EmfRegionOverlap(int bytes) {
+    std::vector<mfb::Rect> rects;
+    Noise noise;
+    for (int i = 0; i < (bytes - 300) / 16; ++i) {
+        const int x = (int)(noise.next() % 1000000), y = (int)(noise.next() % 3);
+        rects.push_back({x, y, x + 1 + (int)(noise.next() % 1000000), y + 1});
+    }
+    const Bytes region = mfb::RegionData(rects);
+    mfb::Emf e;
+    e.record(mfb::EMR_CREATEBRUSHINDIRECT, U32s({1, 0, 0xFF, 0}))
+        .record(mfb::EMR_FRAMERGN,
+                Bytes().zeros(16).u32(region.size()).u32(1).u32(1).u32(1).append(region));
+    return e.build();
+}
+
 // A large clip region, then clip rectangles and lines that each restate it.
 QByteArray EmfRegionClip(int bytes) {
     const Bytes region = Checkerboard(bytes / 2 / 16);
@@ -394,6 +410,7 @@ const std::vector<Family>& Families() {
         {"emf-bitmap-noise", EmfBitmapNoise},
         {"emf-region-fill", EmfRegionFill},
         {"emf-region-frame", EmfRegionFrame},
+        {"emf-region-overlap", EmfRegionOverlap},
         {"emf-region-clip", EmfRegionClip},
         {"emf-long-strings", EmfLongStrings},
         {"emf-paths", EmfPaths},
