@@ -224,21 +224,22 @@ Bytes Checkerboard(int count) {
     return mfb::RegionData(rects);
 }
 
-QByteArray EmfRegionFill(int bytes) {
-    const Bytes region = Checkerboard((bytes - 300) / 16);
+// A solid brush, then the region filled (EMR_FILLRGN) or framed one unit wide (EMR_FRAMERGN).
+QByteArray RegionDrawn(uint32_t type, const Bytes& region) {
+    Bytes payload = Bytes().zeros(16).u32(region.size()).u32(1);
+    if (type == mfb::EMR_FRAMERGN) payload.u32(1).u32(1);
     mfb::Emf e;
     e.record(mfb::EMR_CREATEBRUSHINDIRECT, U32s({1, 0, 0xFF, 0}))
-        .record(mfb::EMR_FILLRGN, Bytes().zeros(16).u32(region.size()).u32(1).append(region));
+        .record(type, payload.append(region));
     return e.build();
 }
 
+QByteArray EmfRegionFill(int bytes) {
+    return RegionDrawn(mfb::EMR_FILLRGN, Checkerboard((bytes - 300) / 16));
+}
+
 QByteArray EmfRegionFrame(int bytes) {
-    const Bytes region = Checkerboard((bytes - 300) / 16);
-    mfb::Emf e;
-    e.record(mfb::EMR_CREATEBRUSHINDIRECT, U32s({1, 0, 0xFF, 0}))
-        .record(mfb::EMR_FRAMERGN,
-                Bytes().zeros(16).u32(region.size()).u32(1).u32(1).u32(1).append(region));
-    return e.build();
+    return RegionDrawn(mfb::EMR_FRAMERGN, Checkerboard((bytes - 300) / 16));
 }
 
 // Wide rectangles on three rows, overlapping at random: edges that all split each other.
@@ -249,12 +250,7 @@ QByteArray EmfRegionOverlap(int bytes) {
         const int x = (int)(noise.next() % 1000000), y = (int)(noise.next() % 3);
         rects.push_back({x, y, x + 1 + (int)(noise.next() % 1000000), y + 1});
     }
-    const Bytes region = mfb::RegionData(rects);
-    mfb::Emf e;
-    e.record(mfb::EMR_CREATEBRUSHINDIRECT, U32s({1, 0, 0xFF, 0}))
-        .record(mfb::EMR_FRAMERGN,
-                Bytes().zeros(16).u32(region.size()).u32(1).u32(1).u32(1).append(region));
-    return e.build();
+    return RegionDrawn(mfb::EMR_FRAMERGN, mfb::RegionData(rects));
 }
 
 // A large clip region, then clip rectangles and lines that each restate it.
