@@ -12,6 +12,7 @@ content hash in the work folder).
 """
 import argparse
 import concurrent.futures
+import hashlib
 import html
 import importlib.util
 import math
@@ -186,6 +187,25 @@ def render_refs(sc, paths, a, attempts=4):
                 os.kill(pid, signal.SIGKILL)
             except OSError:
                 pass
+
+
+def check_fonts(workdir):
+    """Empties the reference cache when the installed fonts changed since it was filled: the cache
+    is keyed by the metafile's bytes only, yet fonts change both the references and our pictures."""
+    try:
+        fonts = subprocess.run(["fc-list"], capture_output=True, text=True).stdout
+    except OSError:
+        return
+    fingerprint = hashlib.sha1("\n".join(sorted(fonts.splitlines())).encode()).hexdigest()
+    stamp = os.path.join(workdir, "fonts.sha1")
+    old = open(stamp).read().strip() if os.path.exists(stamp) else None
+    refs = os.path.join(workdir, "ref")
+    if old != fingerprint and os.path.isdir(refs) and os.listdir(refs):
+        print("fidelity: the fonts changed since the references were drawn; drawing them again",
+              file=sys.stderr)
+        shutil.rmtree(refs)
+    with open(stamp, "w") as f:
+        f.write(fingerprint + "\n")
 
 
 def score_item(item, sc, a):
@@ -480,6 +500,7 @@ def main():
     a.workdir = a.workdir or os.path.join(a.out, "work")
     os.makedirs(a.workdir, exist_ok=True)
     sc = load_score_module(a.score)
+    check_fonts(a.workdir)
 
     # LibreOffice draws the references while the converters run.
     refs = threading.Thread(target=render_refs, args=(sc, [i.path for i in items], a))
