@@ -36,6 +36,7 @@ def die(message):
 
 
 def load_score_module(path):
+    sys.dont_write_bytecode = True  # no __pycache__ beside the shared scorer
     spec = importlib.util.spec_from_file_location("fidelity_score", path)
     module = importlib.util.module_from_spec(spec)
     spec.loader.exec_module(module)
