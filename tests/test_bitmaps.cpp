@@ -8,7 +8,6 @@
 
 #include "svg/DibDecoder.h"
 #include "svg/SVGWriter.h"
-#include "tests/MetafileBuilder.h"
 #include "tests/TestUtil.h"
 
 using mfb::BitmapInfo;

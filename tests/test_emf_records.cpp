@@ -5,7 +5,6 @@
 #include <utility>
 #include <vector>
 
-#include "tests/MetafileBuilder.h"
 #include "tests/TestUtil.h"
 
 using mfb::Bytes;

@@ -8,7 +8,6 @@
 #include <tuple>
 
 #include "svgmodule.h"
-#include "tests/MetafileBuilder.h"
 #include "tests/TestUtil.h"
 
 using mfb::Emf;

@@ -8,7 +8,6 @@
 
 #include "api/Logger.h"
 #include "emf/Emf2SVG.h"
-#include "tests/MetafileBuilder.h"
 #include "tests/TestUtil.h"
 #include "wmf/Wmf2SVG.h"
 

@@ -10,7 +10,6 @@
 #include "api/Logger.h"
 #include "emf/Emf2SVG.h"
 #include "svgmodule.h"
-#include "tests/MetafileBuilder.h"
 #include "tests/TestUtil.h"
 #include "wmf/Wmf2SVG.h"
 

@@ -9,7 +9,6 @@
 
 #include "geometry/RgnPathUtil.h"
 #include "svg/SVGWriter.h"
-#include "tests/MetafileBuilder.h"
 #include "tests/TestUtil.h"
 
 namespace {

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "svg/SVGWriter.h"
-#include "tests/MetafileBuilder.h"
 #include "tests/TestUtil.h"
 
 using mfb::Bytes;

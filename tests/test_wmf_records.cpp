@@ -5,7 +5,6 @@
 #include "byteorder/RecordReader.h"
 #include "byteorder/WmfNormalisers.h"
 #include "style/StyleMgr.h"
-#include "tests/MetafileBuilder.h"
 #include "tests/TestUtil.h"
 
 using namespace mfb;
