@@ -1,4 +1,4 @@
-// Shared helpers for the unit tests.
+// Shared helpers for the unit tests; brings the metafile builder.
 #ifndef SVGMODULE_TESTS_TESTUTIL_H
 #define SVGMODULE_TESTS_TESTUTIL_H
 

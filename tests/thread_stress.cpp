@@ -35,16 +35,14 @@ struct Input {
     QByteArray bytes;
 };
 
-struct Result {
-    QByteArray digest;  // of the status and the document
-    std::string log;
-};
-
-// Each entry of a record log (a whole banner or a record name's line) with its count. A line
-// landing inside a banner, or two lines run together, leave entries no conversion writes.
+// Each entry of the record log at `path` (a whole banner or a record name's line) with its
+// count. A line landing inside a banner, or two lines run together, leave entries no conversion
+// writes.
 using Entries = std::map<std::string, int>;
 
-Entries SplitLog(const std::string& log) {
+Entries LogEntries(const QString& path) {
+    QFile file(path);
+    const std::string log = file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : "";
     Entries entries;
     for (size_t pos = 0; pos < log.size();) {
         size_t end = log.find('\n', pos);
@@ -55,11 +53,6 @@ Entries SplitLog(const std::string& log) {
         pos = end;
     }
     return entries;
-}
-
-std::string ReadFile(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : std::string();
 }
 
 // The corpus's metafiles (none when it is absent) and the bundled examples.
@@ -92,7 +85,7 @@ QByteArray Convert(const Input& input) {
 
 // Converts every input `kPasses` times on kThreads threads, each taking the next job from one
 // shared counter, while the calling thread runs `meanwhile` over and over; returns the digest of
-// each job's result.
+// each job's result (of its status and document).
 std::vector<QByteArray> RunConcurrently(const std::vector<Input>& inputs,
                                         const std::function<void()>& meanwhile = {}) {
     std::vector<QByteArray> digests(inputs.size() * kPasses);
@@ -112,11 +105,11 @@ std::vector<QByteArray> RunConcurrently(const std::vector<Input>& inputs,
 
 // The inputs whose result in some job differed from the reference.
 std::vector<std::string> Mismatches(const std::vector<Input>& inputs,
-                                    const std::vector<Result>& reference,
+                                    const std::vector<QByteArray>& reference,
                                     const std::vector<QByteArray>& digests) {
     std::vector<std::string> out;
     for (size_t job = 0; job < digests.size(); ++job)
-        if (digests[job] != reference[job % inputs.size()].digest)
+        if (digests[job] != reference[job % inputs.size()])
             out.push_back(inputs[job % inputs.size()].name);
     return out;
 }
@@ -134,18 +127,17 @@ TEST(Threads, ConcurrentConversionsMatchOneAtATime) {
     // by calls racing each other; checked once the reference is known.
     const std::vector<QByteArray> first = RunConcurrently(inputs);
 
-    // The reference: one conversion at a time, each with a record log of its own.
-    std::vector<Result> reference;
+    // The reference: one conversion at a time, each with a record log of its own, whose entries
+    // every concurrent run with the log on must write kPasses times.
+    std::vector<QByteArray> reference;
+    Entries expected;
     for (const Input& input : inputs) {
         QFile::remove(path);
         EnableLogging(true, path);
-        reference.push_back({Convert(input), std::string()});
+        reference.push_back(Convert(input));
         EnableLogging(false, QString());
-        reference.back().log = ReadFile(path);
+        for (const auto& entry : LogEntries(path)) expected[entry.first] += entry.second * kPasses;
     }
-    Entries expected;
-    for (const Result& r : reference)
-        for (const auto& entry : SplitLog(r.log)) expected[entry.first] += entry.second * kPasses;
     EXPECT_TRUE(expected.count(kBanners[0]) && expected.count(kBanners[2])) << "no record log";
 
     EXPECT_EQ(Mismatches(inputs, reference, first), none);
@@ -154,7 +146,7 @@ TEST(Threads, ConcurrentConversionsMatchOneAtATime) {
     EnableLogging(true, path);
     EXPECT_EQ(Mismatches(inputs, reference, RunConcurrently(inputs)), none);
     EnableLogging(false, QString());
-    EXPECT_EQ(SplitLog(ReadFile(path)), expected);
+    EXPECT_EQ(LogEntries(path), expected);
 
     // Switching the log between two files and off while others convert: the documents stay the
     // same, and whatever reaches either file is made of whole entries.
@@ -166,7 +158,7 @@ TEST(Threads, ConcurrentConversionsMatchOneAtATime) {
     };
     EXPECT_EQ(Mismatches(inputs, reference, RunConcurrently(inputs, switching)), none);
     for (const QString& log : {path, other})
-        for (const auto& entry : SplitLog(ReadFile(log)))
+        for (const auto& entry : LogEntries(log))
             EXPECT_EQ(expected.count(entry.first), 1u) << entry.first;
     std::printf("%zu files, %d passes on %d threads\n", inputs.size(), kPasses, kThreads);
 }
