@@ -146,8 +146,10 @@ TEST(RegionConversion, UnionAndRectanglesOfARegion) {
     }
 
     // Any list, and a list already in the region's own form (which is set directly), give
-    // the union made one rectangle at a time.
+    // the union made one rectangle at a time. A combination with the previous trial's region
+    // never makes more rectangles than its count, which takes each of the two at least once.
     std::mt19937 random(11);
+    QRegion previous;
     for (int trial = 0; trial < 3000; ++trial) {
         const int span = 3 + trial % 30;
         std::vector<tagRECT> rects((size_t)(random() % 14));
@@ -162,6 +164,11 @@ TEST(RegionConversion, UnionAndRectanglesOfARegion) {
         const int n = GetRects(oneByOne, &own);
         ASSERT_EQ(Union(CreateQRegionFromRects(n, own)), Union(oneByOne));
         delete[] own;
+        const uint64_t count = CombinationCount(previous, oneByOne, UINT64_MAX);
+        ASSERT_GE(count, (uint64_t)previous.rectCount() + oneByOne.rectCount());
+        for (const QRegion& made : {previous & oneByOne, previous | oneByOne, previous ^ oneByOne})
+            ASSERT_LE((uint64_t)made.rectCount(), count) << "trial " << trial;
+        previous = oneByOne;
     }
 }
 
@@ -234,10 +241,10 @@ TEST(EmfRegions, FillAndFrameRecords) {
 // rectangles into it unmapped, other modes leave it, and every record with region data makes
 // the result the clip. A clip path from a bracket then clips pen-styled elements too, and the
 // rectangles of a region clip defined while it is selected; the next clip path drops it first.
-// A grid of 90000 rectangles from a file of 10 kB is beyond the file's budget and skipped.
+// A grid of 360,000 rectangles from a file of 20 kB is beyond the file's budget and skipped.
 TEST(EmfRegions, ClipRegionsAccumulate) {
     std::vector<mfb::Rect> strips;
-    for (const tagRECT& r : Strips(300)) strips.push_back({r.left, r.top, r.right, r.bottom});
+    for (const tagRECT& r : Strips(600)) strips.push_back({r.left, r.top, r.right, r.bottom});
     mfb::Emf e = testutil::Halved().bounds(0, 0, 100, 50);
     e.record(mfb::EMR_EXTSELECTCLIPRGN, Clip(1, RegionData(strips)))
         .record(mfb::EMR_EXTSELECTCLIPRGN, Clip(1, RegionData({{10, 10, 30, 30}})))
