@@ -16,7 +16,8 @@ namespace {
 constexpr uint32_t kNone = std::numeric_limits<uint32_t>::max();
 // Lines with more edges than this are searched through an index rather than edge by edge.
 constexpr size_t kIndexedLine = 16;
-constexpr int32_t kCoordLimit = (1 << 30) - 1;
+// Where the ends of a rectangle's side too long for int are cut.
+constexpr int32_t kCutLimit = (1 << 30) - 1;
 
 // An edge on its line: `line` is the y of a horizontal edge or the x of a vertical one, and
 // the edge runs from `lo` to `hi` (lo <= hi) along it.
@@ -531,9 +532,17 @@ int ConvertRgnDataToPath(int count, const tagRECT* rects, std::list<CLine>& out)
 }
 
 QRect RectToQRect(const tagRECT& r) {
-    const auto cut = [](int32_t v) { return std::clamp(v, -kCoordLimit, kCoordLimit); };
-    const int32_t left = cut(r.left), top = cut(r.top), right = cut(r.right);
-    const int32_t bottom = cut(r.bottom);
+    // One side, from `lo` up to `hi` (excluded): above -2^31, and cut when too long.
+    const auto fit = [](int32_t& lo, int32_t& hi) {
+        lo = std::max(lo, -std::numeric_limits<int32_t>::max());
+        if ((int64_t)hi - lo > std::numeric_limits<int32_t>::max()) {
+            lo = std::max(lo, -kCutLimit);
+            hi = std::min(hi, kCutLimit);
+        }
+    };
+    int32_t left = r.left, top = r.top, right = r.right, bottom = r.bottom;
+    fit(left, right);
+    fit(top, bottom);
     if (right <= left || bottom <= top) return QRect();
     return QRect(QPoint(left, top), QPoint(right - 1, bottom - 1));
 }

@@ -63,8 +63,10 @@ int VSplitIfOverlap(CVLine& a, CVLine& b, std::list<CVLine>& list);
 // vertical ones, each list in the order the cancelling pass leaves it. Returns 1.
 int ConvertRgnDataToPath(int count, const tagRECT* rects, std::list<CLine>& out);
 
-// The rectangle as a QRect, empty when it has no area. Coordinates are first cut to
-// +-(2^30 - 1), so that widths and heights stay within int in the region arithmetic.
+// The rectangle as a QRect, empty when it has no area. Its coordinates are kept, except that
+// -2^31 becomes -(2^31 - 1) (the region arithmetic steps one below a left or top edge) and a
+// side longer than 2^31 - 1 has its ends cut to +-(2^30 - 1), so that widths and heights stay
+// within int.
 QRect RectToQRect(const tagRECT& r);
 // The most a combination of regions built here may count (CombinationCount): the work of
 // making a region of at most that many rectangles (16 MiB of QRect).

@@ -132,10 +132,16 @@ TEST(RegionOutline, SameSegmentsInTheSameOrderAsComparingEveryPair) {
 }
 
 TEST(RegionConversion, UnionAndRectanglesOfARegion) {
-    const tagRECT cases[] = {{0, 0, 10, 10}, {10, 0, 20, 10}, {INT_MIN, INT_MIN, INT_MAX, INT_MAX}};
-    EXPECT_EQ(Union(CreateQRegionFromRects(2, cases)), "0,0,20,10 ");
-    EXPECT_EQ(Union(CreateQRegionFromRects(1, cases + 2)),  // cut to 2^30 - 1
-              "-1073741823,-1073741823,1073741823,1073741823 ");
+    // Sides that fit in int keep their coordinates (but -2^31); longer ones are cut to
+    // +-(2^30 - 1).
+    const std::vector<std::pair<std::vector<tagRECT>, std::string>> unions = {
+        {{{0, 0, 10, 10}, {10, 0, 20, 10}}, "0,0,20,10 "},
+        {{{INT_MIN, INT_MIN, INT_MAX, INT_MAX}}, "-1073741823,-1073741823,1073741823,1073741823 "},
+        {{{0, INT_MIN, INT_MAX, -1}}, "0,-2147483647,2147483647,-1 "},
+        {{{INT_MIN + 5, 0, 6, 1}}, "-1073741823,0,6,1 "},
+    };
+    for (const auto& [rects, expected] : unions)
+        EXPECT_EQ(Union(CreateQRegionFromRects((int)rects.size(), rects.data())), expected);
 
     // Crossing strips: a grid of n x n rectangles, refused beyond a million.
     for (int n : {300, 1000}) {
