@@ -289,3 +289,43 @@ TEST(EmfRegions, ClipRegionsAccumulate) {
             def(7, {{25, 10, 30, 20}, {0, 40, 10, 50}}, clipped6) +
             ClipDef(8, "\n<path d = \"\" " + noPen + "/>\n"));
 }
+
+// The bounds meant for hostile files cut no honest one: a file of 6 kB restating a region of
+// 101 rectangles 70 times writes more than 64 bytes of clip paths per byte, and all of them;
+// 725 rectangles (a band of 363, then 362 bands of one) intersected with the bounds are
+// combined (their bands times their widths are far above the file's budget); a clip
+// rectangle 2^31 - 1 wide keeps its width.
+TEST(EmfRegions, HonestClipsAreWrittenWhole) {
+    std::vector<mfb::Rect> strips, comb;
+    for (int i = 0; i < 100; ++i) strips.push_back({200 + 2 * i, 100, 201 + 2 * i, 101});
+    for (int i = 0; i < 363; ++i) comb.push_back({2 * i, 0, 2 * i + 1, 1});
+    for (int j = 1; j < 363; ++j) comb.push_back({0, j, 1 + j % 2, j + 1});
+    mfb::Emf restated = mfb::Emf().bounds(0, 0, 100, 50);
+    restated.record(mfb::EMR_EXTSELECTCLIPRGN, Clip(2, RegionData(strips)));
+    for (int i = 0; i < 70; ++i)
+        restated.record(mfb::EMR_EXTSELECTCLIPRGN, Clip(5, RegionData({{0, 0, 1, 1}})));
+    const struct {
+        mfb::Emf file;
+        int clips, rects, leastPerByte;
+        QString text;
+    } cases[] = {
+        {restated, 71, 71 * 101, 64, ""},
+        {mfb::Emf()
+             .bounds(0, 0, 1000, 1000)
+             .record(mfb::EMR_EXTSELECTCLIPRGN, Clip(1, RegionData(comb))),
+         1, 725, 0, ""},
+        {mfb::Emf()
+             .bounds(0, 0, 100, 50)
+             .record(mfb::EMR_EXTSELECTCLIPRGN, Clip(2, RegionData({{0, 60, INT_MAX, 70}}))),
+         1, 2, 0, R"(x="0" y="60" width="2147483647" height="10")"},
+    };
+    for (const auto& c : cases) {
+        const QByteArray in = c.file.build();
+        const testutil::Result out = testutil::Convert(in);
+        EXPECT_EQ(out.status, 1);
+        EXPECT_EQ(out.svg.count("<clipPath"), c.clips);
+        EXPECT_EQ(out.svg.count("<rect"), c.rects);
+        EXPECT_GT(out.svg.size(), c.leastPerByte * in.size());
+        EXPECT_TRUE(out.svg.contains(c.text));
+    }
+}
