@@ -16,9 +16,11 @@
 // running meanwhile goes whole to the old file, to the new one, or nowhere. A monochrome bitmap
 // left pending as a mask by one call is kept for the next call on the same thread only.
 //
-// Hostile input: any bytes may be passed. A metafile of N bytes makes at most 64 N bytes of SVG
-// (drawing stops before the record that would pass that, and the document is closed after what
-// was drawn; the status is unchanged) and holds well under 128 N bytes of heap.
+// Hostile input: any bytes may be passed. A metafile of N bytes makes at most max(64 N, 4 MiB)
+// bytes of SVG (drawing stops before the record that would pass that, and the document is
+// closed after what was drawn; the status is unchanged) and holds under 128 N bytes of heap
+// plus 32 MiB (room for the floors of the output and clip-region budgets, which a small file
+// may reach).
 #ifndef SVGMODULE_H
 #define SVGMODULE_H
 
