@@ -8,9 +8,9 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
+#include "svg/SvgRepair.h"
 #include "tests/TestUtil.h"
 #include "tools/Console.h"
-#include "tools/SvgRepair.h"
 
 namespace {
 

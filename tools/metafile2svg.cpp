@@ -45,7 +45,9 @@ int UsageError(const QCommandLineParser& parser, const QString& message) {
 
 int ConvertOne(const Options& options) {
     const Job job{options.inputs.first(), QString(), options.output};
-    const JobResult result = ConvertFile(job.input, options.exact);
+    BatchOptions settings;
+    settings.exact = options.exact;
+    const JobResult result = ConvertFile(job.input, settings);
     std::string message = FailureMessage(job, result);
     if (message.empty() && options.output.isEmpty()) {
         std::fwrite(result.svg.constData(), 1, (size_t)result.svg.size(), stdout);
