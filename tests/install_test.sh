@@ -39,4 +39,10 @@ export PKG_CONFIG_PATH="$lib/pkgconfig"
 ${CXX:-c++} -std=c++17 "$src/tests/install/host.cpp" -o "$tmp/host-pc" \
     $(pkg-config --cflags --libs svgmodule) -Wl,-rpath,"$lib"
 "$tmp/host-pc" "$example"
+
+echo "--- pkg-config, a C host"
+# shellcheck disable=SC2046
+${CC:-cc} -std=c99 "$src/tests/c_host.c" -o "$tmp/host-c" \
+    $(pkg-config --cflags --libs svgmodule) -Wl,-rpath,"$lib"
+"$tmp/host-c" "$example"
 echo "install ok"

@@ -8,9 +8,10 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
+#include "svg/SvgRepair.h"
+#include "svgmodule.h"
 #include "tests/TestUtil.h"
 #include "tools/Console.h"
-#include "tools/SvgRepair.h"
 
 namespace {
 
@@ -95,6 +96,17 @@ QByteArray Read(const QString& path) {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+// What the library's faithful mode makes of a file, repaired unless `exact`: empty when it
+// does not convert it.
+QByteArray Faithful(const QString& path, bool exact) {
+    svgmodule_options options = SVGMODULE_OPTIONS_INIT;
+    options.mode = SVGMODULE_MODE_FAITHFUL;
+    options.repairs = exact ? 0 : SVGMODULE_REPAIR_ALL;
+    QByteArray svg;
+    const int status = svgmodule_convert(Read(path), svg, &options);
+    return status == 1 || status == 2 ? svg : QByteArray();
+}
+
 class CommandLine : public ::testing::Test {
   protected:
     void SetUp() override {
@@ -108,6 +120,9 @@ class CommandLine : public ::testing::Test {
         junk.write(QByteArray(40, 'x'));
         junk.close();
         QFile::copy(examples + "example.emf", In(QStringLiteral("sub/notes.txt")));
+        QFile cut(m_dir.filePath(QStringLiteral("cut.emf")));
+        ASSERT_TRUE(cut.open(QIODevice::WriteOnly));
+        cut.write(Read(examples + "example.emf").chopped(4));
     }
     QString In(const QString& name) const { return m_dir.filePath("in/" + name); }
     QTemporaryDir m_dir;
@@ -116,6 +131,8 @@ class CommandLine : public ::testing::Test {
 TEST_F(CommandLine, UsageAndSingleFile) {
     const QString a = In(QStringLiteral("a.emf"));
     const QByteArray exact = testutil::Convert(Read(a)).svg.toUtf8();
+    const QByteArray faithful = Faithful(a, false), faithfulExact = Faithful(a, true);
+    const int faithfulExit = faithful.isEmpty() ? 1 : 0;
     const struct {
         QStringList args;
         int exitCode;
@@ -134,6 +151,13 @@ TEST_F(CommandLine, UsageAndSingleFile) {
         {{In("sub/junk.emf")}, 1, "", "status -3: the WMF header was refused (not a metafile)"},
         {{a}, 0, QString::fromUtf8(RepairSvg(exact)), ""},
         {{"--exact", a}, 0, QString::fromUtf8(exact), ""},
+        {{"--contract", a}, 0, QString::fromUtf8(RepairSvg(exact)), ""},
+        {{"--exact", "--contract", a}, 0, QString::fromUtf8(exact), ""},
+        {{"--faithful", a}, faithfulExit, QString::fromUtf8(faithful), ""},
+        {{"--faithful", "--exact", a}, faithfulExit, QString::fromUtf8(faithfulExact), ""},
+        {{"--contract", "--faithful", a}, 2, "", "--contract and --faithful exclude each other"},
+        // The library's diagnostics name the input.
+        {{"cut.emf"}, 1, "", "WARN cut.emf: SVGTool\t"},
     };
     for (const auto& c : cases) {
         const CliRun run = Cli(c.args, m_dir.path());
@@ -149,6 +173,11 @@ TEST_F(CommandLine, UsageAndSingleFile) {
 
 TEST_F(CommandLine, FoldersNamesSummaryAndGallery) {
     const QString out = m_dir.filePath(QStringLiteral("out"));
+    // The faithful mode writes what the library's faithful mode converts.
+    QStringList faithfulWritten;
+    for (const char* name : {"a.emf", "a.wmf"})
+        if (!Faithful(In(name), true).isEmpty()) faithfulWritten << QString(name) + ".svg";
+    const int faithfulExit = faithfulWritten.size() == 2 ? 0 : 1;
     const struct {
         QStringList args;
         int exitCode;
@@ -164,6 +193,11 @@ TEST_F(CommandLine, FoldersNamesSummaryAndGallery) {
          1,
          {"a.svg", "b.svg"},
          "3 files in %1 s: 2 converted\n  1 not found"},
+        {{"-O", out, "-j", "2", "--faithful", "--exact", "--gallery", "page.html", In("a.emf"),
+          In("a.wmf")},
+         faithfulExit,
+         faithfulWritten,
+         "2 files in"},
     };
     for (const auto& c : cases) {
         QDir(out).removeRecursively();
@@ -174,7 +208,11 @@ TEST_F(CommandLine, FoldersNamesSummaryAndGallery) {
         QString err = run.err;
         err.replace(QRegularExpression("in [0-9.]+ s"), "in %1 s");
         EXPECT_TRUE(err.contains(c.err)) << args << "\n" << run.err.toStdString();
+        for (const QString& name : FilesUnder(out))
+            if (c.args.contains("--faithful"))
+                EXPECT_EQ(Read(out + "/" + name), Faithful(In(name.chopped(4)), true)) << args;
     }
+    EXPECT_EQ(Read(m_dir.filePath(QStringLiteral("page.html"))).count("<figure"), 2);
     // With the record log, files convert one at a time in input order: the EMF, then the WMF.
     const QByteArray log = Read(m_dir.filePath(QStringLiteral("log.txt")));
     EXPECT_GE(log.indexOf("End of File ####"), 0);

@@ -7,7 +7,7 @@
 
 #include "svgmodule.h"
 #include "tests/TestUtil.h"
-#include "tools/SvgRepair.h"
+#include "svg/SvgRepair.h"
 
 // Intact files convert, or are refused for a size field that disagrees with the file; damaged
 // ones end in one of the status codes. A converted document is complete, and the command

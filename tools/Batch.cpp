@@ -14,7 +14,6 @@
 #include <thread>
 
 #include "Console.h"
-#include "SvgRepair.h"
 #include "svgmodule.h"
 
 const char* StatusMeaning(int status) {
@@ -36,19 +35,25 @@ const char* StatusMeaning(int status) {
     }
 }
 
-JobResult ConvertFile(const QString& input, bool exact) {
+JobResult ConvertFile(const QString& input, const BatchOptions& options) {
     JobResult result;
     const QFileInfo info(input);
     if (!info.isFile()) return result;
     result.inputSize = info.size();
-    result.status = WMFToSVG(input, result.svg);
+    QFile file(input);
+    const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    const QByteArray name = input.toLocal8Bit();
+    svgmodule_options convert = SVGMODULE_OPTIONS_INIT;
+    convert.mode = options.mode;
+    convert.repairs = options.exact ? 0 : SVGMODULE_REPAIR_ALL;
+    convert.diagnostic_name = name.constData();
+    result.status = svgmodule_convert(bytes, result.svg, &convert);
     if (result.status != 1 && result.status != 2) {
         result.outcome = JobResult::Refused;
         result.svg.clear();
         return result;
     }
     result.outcome = JobResult::Converted;
-    if (!exact) result.svg = RepairSvg(result.svg);
     result.svgSize = result.svg.size();
     return result;
 }
@@ -97,7 +102,7 @@ QString FindCollision(const std::vector<Job>& jobs, std::vector<bool>* shared) {
 JobResult RunJob(const Job& job, const BatchOptions& options) {
     JobResult result;
     try {
-        result = ConvertFile(job.input, options.exact);
+        result = ConvertFile(job.input, options);
         if (result.outcome == JobResult::Converted && !job.output.isEmpty() &&
             !WriteFile(job.output, result.svg))
             result.outcome = JobResult::NotWritten;

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "svgmodule.h"
+
 class Console;
 
 // One file to convert: where it is, the name it is shown under, where its SVG goes (empty:
@@ -29,16 +31,19 @@ struct JobResult {
 };
 
 struct BatchOptions {
-    int jobs = 1;          // threads
-    bool exact = false;    // write the library's bytes unchanged
-    bool keepSvg = false;  // keep each document in its result
+    int jobs = 1;                        // threads
+    int mode = SVGMODULE_MODE_CONTRACT;  // the library's mode
+    bool exact = false;                  // write the library's bytes unchanged
+    bool keepSvg = false;                // keep each document in its result
 };
 
 // What a library status means, in a few words.
 const char* StatusMeaning(int status);
 
-// Reads, converts and (unless `exact`) repairs one file. The document is in the result.
-JobResult ConvertFile(const QString& input, bool exact);
+// Reads and converts one file in `options.mode`, with the library's client repairs unless
+// `options.exact`; the library's diagnostic lines name the input. The document is in the
+// result.
+JobResult ConvertFile(const QString& input, const BatchOptions& options);
 
 // Writes `data` to `path`, creating its folder; false when it could not.
 bool WriteFile(const QString& path, const QByteArray& data);

@@ -20,7 +20,11 @@ const char kDescription[] =
     "and folders are converted in parallel into DIR with -O.";
 
 const char kEpilogue[] =
-    "\nBy default the documents are adjusted to open in every SVG client: the root element\n"
+    "\n--contract (the default) writes the library's stable output, the same in every release;\n"
+    "--faithful draws what the system that recorded the file would have drawn (in\n"
+    "development).\n"
+    "\n"
+    "By default the documents are adjusted to open in every SVG client: the root element\n"
     "declares the xlink namespace, an element that carries an attribute twice keeps only\n"
     "the last, and characters XML does not allow become U+FFFD. --exact writes the\n"
     "library's output unchanged.\n"
@@ -35,6 +39,7 @@ struct Options {
     QString output, outputDir, gallery, recordLog;
     bool recursive = false, exact = false, haveRecordLog = false;
     int jobs = 1;
+    int mode = SVGMODULE_MODE_CONTRACT;
 };
 
 int UsageError(const QCommandLineParser& parser, const QString& message) {
@@ -45,7 +50,10 @@ int UsageError(const QCommandLineParser& parser, const QString& message) {
 
 int ConvertOne(const Options& options) {
     const Job job{options.inputs.first(), QString(), options.output};
-    const JobResult result = ConvertFile(job.input, options.exact);
+    BatchOptions settings;
+    settings.mode = options.mode;
+    settings.exact = options.exact;
+    const JobResult result = ConvertFile(job.input, settings);
     std::string message = FailureMessage(job, result);
     if (message.empty() && options.output.isEmpty()) {
         std::fwrite(result.svg.constData(), 1, (size_t)result.svg.size(), stdout);
@@ -71,6 +79,7 @@ int ConvertMany(const QCommandLineParser& parser, const Options& options) {
     }
     BatchOptions batch;
     batch.jobs = options.jobs;
+    batch.mode = options.mode;
     batch.exact = options.exact;
     batch.keepSvg = !options.gallery.isEmpty() && options.outputDir.isEmpty();
     Console console(true);
@@ -113,6 +122,12 @@ int Run(int argc, char** argv) {
     const QCommandLineOption jobs({"j", "jobs"},
                                   "Convert on N threads (default: the number of cores).", "N");
     const QCommandLineOption exact("exact", "Write the library's bytes unchanged.");
+    const QCommandLineOption contract("contract",
+                                      "Convert in the contract mode: the library's stable "
+                                      "output (the default).");
+    const QCommandLineOption faithful("faithful",
+                                      "Convert in the faithful mode: what the recording system "
+                                      "would have drawn (in development).");
     const QCommandLineOption gallery("gallery",
                                      "Also write an HTML page showing every drawing with its "
                                      "file name, size and status.",
@@ -122,8 +137,8 @@ int Run(int argc, char** argv) {
                                        "(an empty FILE names the log after today's date); "
                                        "files are then converted one at a time.",
                                        "FILE");
-    parser.addOptions(
-        {help, version, output, outputDir, recursive, jobs, exact, gallery, recordLog});
+    parser.addOptions({help, version, output, outputDir, recursive, jobs, exact, contract, faithful,
+                       gallery, recordLog});
     if (!parser.parse(QCoreApplication::arguments())) return UsageError(parser, parser.errorText());
     if (parser.isSet(help)) {
         std::printf("%s%s", parser.helpText().toLocal8Bit().constData(), kEpilogue);
@@ -141,6 +156,9 @@ int Run(int argc, char** argv) {
     o.gallery = parser.value(gallery);
     o.recursive = parser.isSet(recursive);
     o.exact = parser.isSet(exact);
+    if (parser.isSet(contract) && parser.isSet(faithful))
+        return UsageError(parser, QStringLiteral("--contract and --faithful exclude each other"));
+    if (parser.isSet(faithful)) o.mode = SVGMODULE_MODE_FAITHFUL;
     o.haveRecordLog = parser.isSet(recordLog);
     o.recordLog = parser.value(recordLog);
     o.jobs = (int)std::max(1u, std::thread::hardware_concurrency());
