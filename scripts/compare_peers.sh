@@ -7,8 +7,7 @@
 #                                  libwmf (WMF), CPU time, medians of ROUNDS rounds
 #   BUILD_DIR/bench/bench_scale    1k to 1M synthetic records: ns per record, peak heap
 # Environment: ROUNDS (default 21), SVGMODULE_CORPUS or CORPUS (default shared/corpus next to
-# the repository),
-# MAX_RECORDS (default 1000000). Tables go to standard output; the CSV files
+# the repository), MAX_RECORDS (default 1000000). Tables go to standard output; the CSV files
 # (peers.csv, peers-summary.csv, scale.csv) to BUILD_DIR.
 set -euo pipefail
 cd "$(dirname "$0")/.."
