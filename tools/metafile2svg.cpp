@@ -16,8 +16,8 @@ namespace {
 
 const char kDescription[] =
     "Converts Windows metafiles (EMF, or WMF with or without the placeable header) to SVG 1.1\n"
-    "documents. One input is written to standard output, or to FILE with -o; several inputs\n"
-    "and folders are converted in parallel into DIR with -O.";
+    "documents. One input (- for standard input) is written to standard output, or to FILE\n"
+    "with -o; several inputs and folders are converted in parallel into DIR with -O.";
 
 const char kEpilogue[] =
     "\n--contract (the default) writes the library's stable output, the same in every release;\n"
@@ -42,9 +42,10 @@ struct Options {
     int mode = SVGMODULE_MODE_CONTRACT;
 };
 
-int UsageError(const QCommandLineParser& parser, const QString& message) {
-    std::fprintf(stderr, "metafile2svg: %s\n\n%s", message.toLocal8Bit().constData(),
-                 parser.helpText().toLocal8Bit().constData());
+int UsageError(const QCommandLineParser&, QString message) {
+    if (message.endsWith(QLatin1Char('.'))) message.chop(1);  // Qt's own messages end in one
+    std::fprintf(stderr, "metafile2svg: %s; try 'metafile2svg --help'\n",
+                 message.toLocal8Bit().constData());
     return 2;
 }
 
@@ -55,13 +56,13 @@ int ConvertOne(const Options& options) {
     settings.exact = options.exact;
     const JobResult result = ConvertFile(job.input, settings);
     std::string message = FailureMessage(job, result);
-    if (message.empty() && options.output.isEmpty()) {
+    if (message.empty() && (options.output.isEmpty() || options.output == QLatin1String("-"))) {
         std::fwrite(result.svg.constData(), 1, (size_t)result.svg.size(), stdout);
         if (std::fflush(stdout) == 0) return 0;
         message = "metafile2svg: cannot write to standard output";
     } else if (message.empty()) {
-        if (WriteFile(options.output, result.svg)) return 0;
         JobResult unwritten;
+        if (WriteFile(options.output, result.svg, &unwritten.reason)) return 0;
         unwritten.outcome = JobResult::NotWritten;
         message = FailureMessage(job, unwritten);
     }
@@ -77,11 +78,23 @@ int ConvertMany(const QCommandLineParser& parser, const Options& options) {
         std::fprintf(stderr, "metafile2svg: no .emf or .wmf file in the folders given\n");
         return 1;
     }
+    // A folder that cannot be written stops the run before anything is converted.
+    QStringList folders;
+    if (!options.outputDir.isEmpty()) folders << options.outputDir;
+    if (!options.gallery.isEmpty()) folders << QFileInfo(options.gallery).path();
+    for (const QString& folder : folders) {
+        const std::string error = CheckFolder(folder);
+        if (error.empty()) continue;
+        std::fprintf(stderr, "metafile2svg: cannot write %s: %s\n",
+                     folder.toLocal8Bit().constData(), error.c_str());
+        return 1;
+    }
     BatchOptions batch;
     batch.jobs = options.jobs;
     batch.mode = options.mode;
     batch.exact = options.exact;
     batch.keepSvg = !options.gallery.isEmpty() && options.outputDir.isEmpty();
+    batch.findEmpty = !options.gallery.isEmpty();
     Console console(true);
     const std::vector<JobResult> results = RunJobs(jobs, batch, console);
     console.Finish();
@@ -91,10 +104,12 @@ int ConvertMany(const QCommandLineParser& parser, const Options& options) {
     std::fprintf(stderr, "metafile2svg: %s\n", summary.c_str());
     if (!options.gallery.isEmpty()) {
         const QByteArray page = options.gallery.toLocal8Bit();
-        if (WriteGallery(options.gallery, jobs, results, summary)) {
+        std::string error;
+        if (WriteGallery(options.gallery, jobs, results, summary, &error)) {
             std::fprintf(stderr, "metafile2svg: gallery written to %s\n", page.constData());
         } else {
-            std::fprintf(stderr, "metafile2svg: cannot write %s\n", page.constData());
+            std::fprintf(stderr, "metafile2svg: cannot write %s: %s\n", page.constData(),
+                         error.c_str());
             ok = false;
         }
     }
@@ -111,8 +126,8 @@ int Run(int argc, char** argv) {
     const QCommandLineOption help({"h", "help"}, "Show this help.");
     const QCommandLineOption version("version", "Show the version.");
     const QCommandLineOption output({"o", "output"},
-                                    "Write the SVG of the one INPUT to FILE (default: standard "
-                                    "output).",
+                                    "Write the SVG of the one INPUT to FILE (default, or -: "
+                                    "standard output).",
                                     "FILE");
     const QCommandLineOption outputDir({"O", "output-dir"},
                                        "Write each SVG under DIR: a file as its name with .svg "
@@ -184,6 +199,8 @@ int Run(int argc, char** argv) {
         return UsageError(parser, QStringLiteral("-o takes one input file; use -O DIR for more"));
     if (many && !parser.isSet(outputDir) && !parser.isSet(gallery))
         return UsageError(parser, QStringLiteral("several inputs or a folder need -O DIR"));
+    if (many && o.inputs.contains(QStringLiteral("-")))
+        return UsageError(parser, QStringLiteral("standard input (-) is converted alone"));
 
     if (o.haveRecordLog) EnableLogging(true, o.recordLog);
     const int status = many ? ConvertMany(parser, o) : ConvertOne(o);
