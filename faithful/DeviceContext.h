@@ -131,6 +131,12 @@ struct LogBrush {
     bool monochrome = false;
 };
 
+inline LogBrush WhiteBrush() {
+    LogBrush b;
+    b.color = 0xFFFFFF;
+    return b;
+}
+
 // A logical font (for the text records; taken and selected like any object).
 struct LogFont {
     int32_t height = 0;
@@ -172,8 +178,10 @@ struct DcState {
     PointF brushOrigin;  // device units
     uint32_t textAlign = 0;
     int stretchMode = 0;
-    LogPen pen;  // the selected objects, as copies: deleting one changes nothing here
-    LogBrush brush;
+    // The selected objects, as copies: deleting one changes nothing here. A new context
+    // draws with the black pen, the white brush and the system font.
+    LogPen pen;
+    LogBrush brush = WhiteBrush();
     LogFont font;
 };
 
@@ -242,7 +250,7 @@ class DeviceContext {
     // (see SetObjectTableSize) is full and the object is dropped.
     int CreateObjectInFreeSlot(const GdiObject& object);
     // The number of WMF slots (the header's object count); 0: no limit but the input's.
-    void SetObjectTableSize(uint32_t slots);
+    void SetObjectTableSize(uint32_t count);
     // Selects the object at `index`, or the stock object (gdi::kStockObject | n). An empty
     // index or a palette, region or colour space is ignored here.
     void SelectObject(uint32_t index);
@@ -276,7 +284,10 @@ class DeviceContext {
     void Chord(const RectF& box, PointF start, PointF end);
     void Pie(const RectF& box, PointF start, PointF end);
     void AngleArc(PointF centre, double radius, double startDeg, double sweepDeg);
-    // One device unit at `p` in the colour.
+    // The rectangle filled with the colour: no pen, no raster operation (the opaque
+    // rectangle of a text record).
+    void FillRect(const RectF& box, uint32_t colorRef);
+    // One pixel (see PixelWidth) at `p` in the colour.
     void SetPixel(PointF p, uint32_t colorRef);
     // The rectangle at (x, y) of width w and height h filled by the raster operation
     // (gdi::PATCOPY, PATINVERT, BLACKNESS, WHITENESS; DSTINVERT and others draw nothing).
@@ -299,10 +310,29 @@ class DeviceContext {
     // --- resolved styles (also for tests) --------------------------------------------------
     // The stroke of the selected pen under the current mapping and raster operation.
     Stroke CurrentStroke() const;
+    // The thinnest stroke drawn, in device units: one pixel of the picture shown at its size
+    // (1/96 inch), or one device unit when that is wider. Pens of width 0, cosmetic pens and
+    // thinner geometric pens are drawn this wide; cosmetic dashes count in these pixels.
+    double PixelWidth() const;
     // The fill of the selected brush under the current mapping, modes and raster operation.
     Fill CurrentFill() const;
 
   private:
+    // The isotropic mode's adjustment: the viewport extent shrinks on one axis until a
+    // logical unit spans the same length on both.
+    void FixIsotropic();
+    void SetExtent(PointF& extent, double cx, double cy);
+    // Drawing helpers (DeviceContextDraw.cpp).
+    Path& Target(Path& scratch) { return m_inBracket ? m_path : scratch; }
+    void ContinueFrom(Path& path) const;
+    void Emit(Path& path, bool fill, bool stroke, FillRule rule = FillRule::NonZero);
+    void Send(DrawOp& op);
+    FillRule PolyFillRule() const;
+    RectF InsideFrame(const RectF& box) const;
+    double DeviceLength(double logical) const;
+    Fill BrushFill(const LogBrush& brush) const;
+    void UsePath(bool fill, bool stroke);
+
     DcState m_state;
     std::vector<DcState> m_saved;
     int m_savesDropped = 0;  // saves past the bound, undone first by RestoreDC
@@ -319,6 +349,9 @@ class DeviceContext {
     bool m_pathReady = false;  // EndPath closed a bracket whose path waits for its use
     bool m_widened = false;
     Path m_path;
+    // The last monochrome pattern coloured, kept for the next fills with the same colours.
+    mutable std::shared_ptr<const QImage> m_monoSource, m_monoColoured;
+    mutable uint32_t m_monoColours[2] = {0, 0};
 };
 
 }  // namespace faithful

@@ -27,16 +27,18 @@ struct Fill {
     Kind kind = Kind::None;
     Rgb color = 0;  // Solid: the colour; Hatch: the lines' colour
     // Hatch: the style (0 horizontal, 1 vertical, 2 forward diagonal "\", 3 backward
-    // diagonal "/", 4 cross, 5 diagonal cross), drawn as an 8 x 8 device-unit tile.
+    // diagonal "/", 4 cross, 5 diagonal cross), drawn as a tile of 8 x 8 pixels.
     uint32_t hatch = 0;
     // Hatch: the tile's background is filled with `background` (opaque background mode);
     // false leaves it empty (transparent background mode).
     bool hatchBackground = false;
     Rgb background = 0xFFFFFF;
-    // Image: the tile, one pixel per device unit, with its colours resolved.
+    // Image: the tile, with its colours resolved.
     std::shared_ptr<const QImage> image;
-    // Hatch and Image: where a tile's top-left corner lies (the brush origin, device units).
+    // Hatch and Image: where a tile's top-left corner lies (the brush origin, device units),
+    // and the size of one of the tile's pixels in device units.
     PointF origin;
+    double pixel = 1;
     FillRule rule = FillRule::NonZero;
 };
 
