@@ -1,0 +1,359 @@
+// The device-context model of the faithful interpreter: the drawing state a metafile's records
+// change (mapping, transforms, colours, modes, selected objects, the path bracket), the object
+// tables of both formats, and the drawing calls. The record decoders of EMF and WMF decode
+// their fields and call this class in logical coordinates; it resolves every coordinate and
+// style into DrawOps in device space and sends them to a DrawSink.
+//
+// Hostile values are absorbed here: a mapping that would divide by zero or a singular world
+// transform is refused as the drawing system refuses it (the state stays as it was), every
+// computed device value that is not finite drops the drawing, and saved states are bounded.
+#ifndef SVGMODULE_FAITHFUL_DEVICECONTEXT_H
+#define SVGMODULE_FAITHFUL_DEVICECONTEXT_H
+
+#include <QImage>
+#include <QString>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <set>
+#include <vector>
+
+#include "faithful/DrawOps.h"
+#include "faithful/Geometry.h"
+
+namespace faithful {
+
+// Values of the metafile formats, shared by both.
+namespace gdi {
+// Map modes.
+enum : int {
+    MM_TEXT = 1,
+    MM_LOMETRIC = 2,
+    MM_HIMETRIC = 3,
+    MM_LOENGLISH = 4,
+    MM_HIENGLISH = 5,
+    MM_TWIPS = 6,
+    MM_ISOTROPIC = 7,
+    MM_ANISOTROPIC = 8
+};
+// World transform modify modes.
+enum : int { MWT_IDENTITY = 1, MWT_LEFTMULTIPLY = 2, MWT_RIGHTMULTIPLY = 3, MWT_SET = 4 };
+// Background modes, polygon fill modes, arc directions.
+enum : int { TRANSPARENT = 1, OPAQUE = 2 };
+enum : int { ALTERNATE = 1, WINDING = 2 };
+enum : int { AD_COUNTERCLOCKWISE = 1, AD_CLOCKWISE = 2 };
+// Binary raster operations (ROP2).
+enum : int {
+    R2_BLACK = 1,
+    R2_NOTMERGEPEN = 2,
+    R2_MASKNOTPEN = 3,
+    R2_NOTCOPYPEN = 4,
+    R2_MASKPENNOT = 5,
+    R2_NOT = 6,
+    R2_XORPEN = 7,
+    R2_NOTMASKPEN = 8,
+    R2_MASKPEN = 9,
+    R2_NOTXORPEN = 10,
+    R2_NOP = 11,
+    R2_MERGENOTPEN = 12,
+    R2_COPYPEN = 13,
+    R2_MERGEPENNOT = 14,
+    R2_MERGEPEN = 15,
+    R2_WHITE = 16
+};
+// Pen styles (the low nibble), end caps, joins and type.
+enum : uint32_t {
+    PS_SOLID = 0,
+    PS_DASH = 1,
+    PS_DOT = 2,
+    PS_DASHDOT = 3,
+    PS_DASHDOTDOT = 4,
+    PS_NULL = 5,
+    PS_INSIDEFRAME = 6,
+    PS_USERSTYLE = 7,
+    PS_ALTERNATE = 8,
+    PS_STYLE_MASK = 0x0000000F,
+    PS_ENDCAP_ROUND = 0x00000000,
+    PS_ENDCAP_SQUARE = 0x00000100,
+    PS_ENDCAP_FLAT = 0x00000200,
+    PS_ENDCAP_MASK = 0x00000F00,
+    PS_JOIN_ROUND = 0x00000000,
+    PS_JOIN_BEVEL = 0x00001000,
+    PS_JOIN_MITER = 0x00002000,
+    PS_JOIN_MASK = 0x0000F000,
+    PS_GEOMETRIC = 0x00010000
+};
+// Brush styles.
+enum : uint32_t {
+    BS_SOLID = 0,
+    BS_NULL = 1,
+    BS_HATCHED = 2,
+    BS_PATTERN = 3,
+    BS_DIBPATTERN = 5,
+    BS_DIBPATTERNPT = 6
+};
+// Raster operations of PatBlt.
+enum : uint32_t {
+    PATCOPY = 0x00F00021,
+    PATINVERT = 0x005A0049,
+    DSTINVERT = 0x00550009,
+    BLACKNESS = 0x00000042,
+    WHITENESS = 0x00FF0062
+};
+// Types of the points of PolyDraw.
+enum : uint8_t { PT_CLOSEFIGURE = 1, PT_LINETO = 2, PT_BEZIERTO = 4, PT_MOVETO = 6 };
+// The stock-object flag of an EMF object index.
+constexpr uint32_t kStockObject = 0x80000000u;
+}  // namespace gdi
+
+// A logical pen, decoded from either format's pen records.
+struct LogPen {
+    uint32_t style = gdi::PS_SOLID;  // style, end cap, join and PS_GEOMETRIC bits
+    double width = 0;                // logical units (device units for a cosmetic pen)
+    uint32_t color = 0;              // COLORREF
+    // True for a pen of EMR_EXTCREATEPEN: cosmetic unless PS_GEOMETRIC. A pen of CREATEPEN
+    // (either format) has a width in logical units whatever its style bits say.
+    bool extended = false;
+    // PS_USERSTYLE: the dash and gap lengths (logical units for a geometric pen, device units
+    // for a cosmetic one).
+    std::vector<double> userStyle;
+};
+
+// A logical brush.
+struct LogBrush {
+    uint32_t style = gdi::BS_SOLID;
+    uint32_t color = 0;  // COLORREF (BS_SOLID, BS_HATCHED)
+    uint32_t hatch = 0;  // BS_HATCHED: the hatch style
+    // BS_PATTERN, BS_DIBPATTERN(PT): the tile, decoded. When `monochrome`, the tile is a 1-bit
+    // image whose colour index 0 is drawn in the text colour and index 1 in the background
+    // colour at the time of drawing (a monochrome pattern brush).
+    std::shared_ptr<const QImage> pattern;
+    bool monochrome = false;
+};
+
+inline LogBrush WhiteBrush() {
+    LogBrush b;
+    b.color = 0xFFFFFF;
+    return b;
+}
+
+// A logical font (for the text records; taken and selected like any object).
+struct LogFont {
+    int32_t height = 0;
+    int32_t width = 0;
+    int32_t escapement = 0;
+    int32_t orientation = 0;
+    int32_t weight = 0;
+    bool italic = false;
+    bool underline = false;
+    bool strikeOut = false;
+    uint8_t charSet = 0;
+    uint8_t pitchAndFamily = 0;
+    QString faceName;
+};
+
+// An entry of an object table.
+struct GdiObject {
+    enum class Kind : uint8_t { Pen, Brush, Font, Palette, Region, ColorSpace, Other };
+    Kind kind = Kind::Other;
+    LogPen pen;
+    LogBrush brush;
+    LogFont font;
+};
+
+// The mapping state that SaveDC keeps and the drawing calls read.
+struct DcState {
+    int mapMode = gdi::MM_TEXT;
+    PointF windowOrg, viewportOrg;
+    PointF windowExt{1, 1}, viewportExt{1, 1};
+    Matrix world;
+    PointF position;  // the current position, logical
+    int bkMode = gdi::OPAQUE;
+    uint32_t bkColor = 0xFFFFFF;  // COLORREF
+    uint32_t textColor = 0;       // COLORREF
+    int polyFillMode = gdi::ALTERNATE;
+    int arcDirection = gdi::AD_COUNTERCLOCKWISE;
+    int rop2 = gdi::R2_COPYPEN;
+    double miterLimit = 10;
+    PointF brushOrigin;  // device units
+    uint32_t textAlign = 0;
+    int stretchMode = 0;
+    // The selected objects, as copies: deleting one changes nothing here. A new context
+    // draws with the black pen, the white brush and the system font.
+    LogPen pen;
+    LogBrush brush = WhiteBrush();
+    LogFont font;
+};
+
+class DeviceContext {
+  public:
+    // Draws into `sink`, which must outlive the context.
+    explicit DeviceContext(DrawSink& sink);
+
+    // --- reference device --------------------------------------------------------------
+    // The device the metafile was recorded for: its size in device units and in millimetres.
+    // The metric map modes and the isotropic defaults scale by it. Values that are not
+    // positive and finite keep the default (1024 x 768 units at 96 per inch).
+    void SetReferenceDevice(double widthUnits, double heightUnits, double widthMm, double heightMm);
+    // Device units per millimetre on each axis.
+    PointF DeviceUnitsPerMm() const;
+
+    // --- mapping ---------------------------------------------------------------------
+    void SetMapMode(int mode);  // unknown modes are ignored
+    void SetWindowOrg(double x, double y);
+    void SetViewportOrg(double x, double y);
+    // Ignored outside the isotropic and anisotropic modes, and for a zero extent; the
+    // isotropic mode adjusts the viewport extent after either call.
+    void SetWindowExt(double cx, double cy);
+    void SetViewportExt(double cx, double cy);
+    void OffsetWindowOrg(double dx, double dy);
+    void OffsetViewportOrg(double dx, double dy);
+    // extent = extent * num / denom on each axis; ignored for a zero denominator or result.
+    void ScaleWindowExt(double xNum, double xDenom, double yNum, double yDenom);
+    void ScaleViewportExt(double xNum, double xDenom, double yNum, double yDenom);
+    // A singular or non-finite transform is refused.
+    void SetWorldTransform(const Matrix& m);
+    // Any gdi::MWT_* mode; a result that is singular or not finite is refused.
+    void ModifyWorldTransform(const Matrix& m, int mode);
+
+    // Logical to device: world transform, then window to viewport.
+    Matrix LogicalToDevice() const;
+    PointF ToDevice(PointF logical) const { return LogicalToDevice().Map(logical); }
+
+    // --- saved states --------------------------------------------------------------------
+    // Keeps the state (mapping, modes, colours, selected objects; not the path).
+    void SaveDC();
+    // level < 0: the state saved |level| saves ago; level > 0: the state of the level-th
+    // save counted from the first one still kept. Levels that name no saved state are ignored.
+    void RestoreDC(int level);
+    // How many states are saved.
+    int SaveDepth() const;
+
+    // --- modes and colours ---------------------------------------------------------------
+    void SetBkMode(int mode);  // gdi::TRANSPARENT or gdi::OPAQUE; others ignored
+    void SetBkColor(uint32_t colorRef);
+    void SetTextColor(uint32_t colorRef);
+    void SetPolyFillMode(int mode);
+    void SetArcDirection(int direction);
+    void SetRop2(int rop);
+    void SetMiterLimit(double limit);      // ignored unless at least 1 and finite
+    void SetBrushOrg(double x, double y);  // device units
+    void SetTextAlign(uint32_t align);
+    void SetStretchBltMode(int mode);
+    const DcState& State() const { return m_state; }
+
+    // --- objects -------------------------------------------------------------------------
+    // EMF: creates the object at `index`, replacing what was there (index 0 and stock
+    // indices are refused).
+    void CreateObjectAt(uint32_t index, const GdiObject& object);
+    // WMF: puts the object into the lowest free slot and returns it; -1 when the table
+    // (see SetObjectTableSize) is full and the object is dropped.
+    int CreateObjectInFreeSlot(const GdiObject& object);
+    // The number of WMF slots (the header's object count); 0: no limit but the input's.
+    void SetObjectTableSize(uint32_t count);
+    // Selects the object at `index`, or the stock object (gdi::kStockObject | n). An empty
+    // index or a palette, region or colour space is ignored here.
+    void SelectObject(uint32_t index);
+    // Empties the slot; what is selected stays selected and keeps drawing (the context holds
+    // its own copies). Stock objects cannot be deleted.
+    void DeleteObject(uint32_t index);
+    // The object at `index`, null when the slot is empty.
+    const GdiObject* ObjectAt(uint32_t index) const;
+
+    // --- drawing, in logical coordinates ---------------------------------------------------
+    void MoveTo(PointF p);
+    void LineTo(PointF p);
+    void Polyline(const PointF* points, size_t count);
+    void PolylineTo(const PointF* points, size_t count);
+    void Polygon(const PointF* points, size_t count);
+    // counts[i] points of `points` per figure, one after another; `count` points in all.
+    // Counts past the points are cut. One path for the whole list.
+    void PolyPolyline(const PointF* points, size_t count, const uint32_t* counts, size_t figures);
+    void PolyPolygon(const PointF* points, size_t count, const uint32_t* counts, size_t figures);
+    // A start point then three points per curve; an incomplete last curve is dropped.
+    void PolyBezier(const PointF* points, size_t count);
+    // Three points per curve from the current position, which moves to the last point.
+    void PolyBezierTo(const PointF* points, size_t count);
+    // Points with gdi::PT_* types.
+    void PolyDraw(const PointF* points, const uint8_t* types, size_t count);
+    void Rectangle(const RectF& box);
+    void RoundRect(const RectF& box, double cornerW, double cornerH);
+    void Ellipse(const RectF& box);
+    void Arc(const RectF& box, PointF start, PointF end);
+    void ArcTo(const RectF& box, PointF start, PointF end);
+    void Chord(const RectF& box, PointF start, PointF end);
+    void Pie(const RectF& box, PointF start, PointF end);
+    void AngleArc(PointF centre, double radius, double startDeg, double sweepDeg);
+    // The rectangle filled with the colour: no pen, no raster operation (the opaque
+    // rectangle of a text record).
+    void FillRect(const RectF& box, uint32_t colorRef);
+    // One pixel (see PixelWidth) at `p` in the colour.
+    void SetPixel(PointF p, uint32_t colorRef);
+    // The rectangle at (x, y) of width w and height h filled by the raster operation
+    // (gdi::PATCOPY, PATINVERT, BLACKNESS, WHITENESS; DSTINVERT and others draw nothing).
+    void PatBlt(const RectF& xywh, uint32_t rop);
+
+    // --- path bracket ----------------------------------------------------------------------
+    void BeginPath();  // discards an earlier path; drawing calls then add to the path
+    void EndPath();
+    void CloseFigure();
+    void AbortPath();
+    void FillPath();
+    void StrokePath();
+    void StrokeAndFillPath();
+    void FlattenPath();  // curves are kept: nothing changes
+    void WidenPath();    // the path becomes its outline as stroked by the pen
+    // Clipping comes with the clip records; the path is used up.
+    void SelectClipPath(int mode);
+    bool InPathBracket() const { return m_inBracket; }
+
+    // --- resolved styles (also for tests) --------------------------------------------------
+    // The stroke of the selected pen under the current mapping and raster operation.
+    Stroke CurrentStroke() const;
+    // The thinnest stroke drawn, in device units: one pixel of the picture shown at its size
+    // (1/96 inch), or one device unit when that is wider. Pens of width 0, cosmetic pens and
+    // thinner geometric pens are drawn this wide; cosmetic dashes count in these pixels.
+    double PixelWidth() const;
+    // The fill of the selected brush under the current mapping, modes and raster operation.
+    Fill CurrentFill() const;
+
+  private:
+    // The isotropic mode's adjustment: the viewport extent shrinks on one axis until a
+    // logical unit spans the same length on both.
+    void FixIsotropic();
+    void SetExtent(PointF& extent, double cx, double cy);
+    // Drawing helpers (DeviceContextDraw.cpp).
+    Path& Target(Path& scratch) { return m_inBracket ? m_path : scratch; }
+    void ContinueFrom(Path& path) const;
+    void Emit(Path& path, bool fill, bool stroke, FillRule rule = FillRule::NonZero);
+    void Send(DrawOp& op);
+    FillRule PolyFillRule() const;
+    RectF InsideFrame(const RectF& box) const;
+    double DeviceLength(double logical) const;
+    Fill BrushFill(const LogBrush& brush) const;
+    void UsePath(bool fill, bool stroke);
+
+    DcState m_state;
+    std::vector<DcState> m_saved;
+    int m_savesDropped = 0;  // saves past the bound, undone first by RestoreDC
+    PointF m_unitsPerMm{96.0 / 25.4, 96.0 / 25.4};
+    PointF m_deviceSize{1024, 768};
+    DrawSink& m_sink;
+    // Objects: EMF indices and WMF slots share the table.
+    std::map<uint32_t, GdiObject> m_objects;
+    std::set<uint32_t> m_freeSlots;  // WMF: free slots below m_nextSlot
+    uint32_t m_nextSlot = 0;
+    uint32_t m_slotLimit = 0;
+    // The path bracket.
+    bool m_inBracket = false;
+    bool m_pathReady = false;  // EndPath closed a bracket whose path waits for its use
+    bool m_widened = false;
+    Path m_path;
+    // The last monochrome pattern coloured, kept for the next fills with the same colours.
+    mutable std::shared_ptr<const QImage> m_monoSource, m_monoColoured;
+    mutable uint32_t m_monoColours[2] = {0, 0};
+};
+
+}  // namespace faithful
+
+#endif

@@ -1,0 +1,295 @@
+// The faithful writer: numbers, path data, styles, patterns and the document around them.
+#include "faithful/DeviceSvg.h"
+
+#include <QBuffer>
+#include <algorithm>
+#include <cmath>
+
+namespace faithful {
+
+namespace {
+
+const double kLargest = 1e13;
+
+// Room kept for the document's start and end when the body's limit is set.
+const size_t kFrameBytes = 512;
+
+// `v` in hundredths, rounded, within the largest written value.
+int64_t Hundredths(double v) {
+    if (!std::isfinite(v)) return 0;
+    v = std::max(-kLargest, std::min(kLargest, v));
+    return (int64_t)std::llround(v * 100);
+}
+
+void AppendHundredths(SvgBuffer& out, int64_t n) {
+    if (n < 0) {
+        out.Append('-');
+        n = -n;
+    }
+    const int64_t whole = n / 100, frac = n % 100;
+    if (whole != 0 || frac == 0) out.AppendInt(whole);
+    if (frac != 0) {
+        out.Append('.');
+        out.Append((char)('0' + frac / 10));
+        if (frac % 10) out.Append((char)('0' + frac % 10));
+    }
+}
+
+// "#rgb" when each channel repeats its digit, "#rrggbb" otherwise.
+QByteArray ColourText(Rgb c) {
+    static const char kHex[] = "0123456789abcdef";
+    char s[8] = {'#'};
+    for (int i = 0; i < 6; ++i) s[1 + i] = kHex[(c >> (20 - 4 * i)) & 0xF];
+    if (s[1] == s[2] && s[3] == s[4] && s[5] == s[6]) {
+        const char shortForm[4] = {'#', s[1], s[3], s[5]};
+        return QByteArray(shortForm, 4);
+    }
+    return QByteArray(s, 7);
+}
+
+QByteArray NumberText(double v) {
+    SvgBuffer b;
+    AppendNumber(b, v);
+    return b.Take();
+}
+
+// The lines of the hatch styles on their 8 x 8 tile, in tile pixels: horizontal, vertical,
+// forward diagonal (down to the right), backward diagonal (up to the right). The diagonals run
+// past the tile so that neighbouring tiles join.
+const double kHatchLines[4][4] = {
+    {0, 3.5, 8, 3.5}, {3.5, 0, 3.5, 8}, {-1, -1, 9, 9}, {-1, 9, 9, -1}};
+// The lines of each hatch style: bit n draws line n.
+const int kHatchStyles[6] = {1, 2, 4, 8, 3, 12};
+
+// The path data of a hatch style's lines on a tile whose pixels are `pixel` units wide.
+QByteArray HatchData(uint32_t hatch, double pixel) {
+    SvgBuffer d;
+    for (int i = 0; i < 4; ++i) {
+        if (!(kHatchStyles[hatch % 6] & (1 << i))) continue;
+        d.Append('M');
+        for (int k = 0; k < 4; ++k) {
+            if (k) d.Append(' ');
+            AppendNumber(d, kHatchLines[i][k] * pixel);
+        }
+    }
+    return d.Take();
+}
+
+// True when a path's fill rule can change its picture: more than one figure, or a figure that
+// can cross itself.
+bool RuleMatters(const Path& p) {
+    return p.FigureCount() > 1 || p.points().size() > 3 || p.HasCurves();
+}
+
+}  // namespace
+
+void AppendNumber(SvgBuffer& out, double v) {
+    AppendHundredths(out, Hundredths(v));
+}
+
+DeviceSvg::DeviceSvg() {}
+
+void DeviceSvg::SetLimit(size_t limit) {
+    m_body.SetLimit(limit > 2 * kFrameBytes ? limit - kFrameBytes : limit / 2);
+}
+
+void DeviceSvg::Rewind(const Mark& mark) {
+    m_body.Truncate(mark.size);
+    m_groupOpen = mark.groupOpen;
+    m_group = mark.group;
+}
+
+bool DeviceSvg::DrawnBounds(RectF& out) const {
+    out = m_bounds;
+    return m_drawn;
+}
+
+int DeviceSvg::PatternFor(const Fill& fill) {
+    // The pattern's element, less its id, is its key.
+    SvgBuffer p;
+    p.Append(" patternUnits=\"userSpaceOnUse\"");
+    // A tile's pixels are `pixel` device units wide.
+    const double pixel = fill.pixel > 0 && std::isfinite(fill.pixel) ? fill.pixel : 1;
+    if (Hundredths(fill.origin.x) != 0) p.Write(" x=\"", NumberText(fill.origin.x), "\"");
+    if (Hundredths(fill.origin.y) != 0) p.Write(" y=\"", NumberText(fill.origin.y), "\"");
+    if (fill.kind == Fill::Kind::Hatch) {
+        const QByteArray side = NumberText(8 * pixel);
+        p.Write(" width=\"", side, "\" height=\"", side, "\">");
+        if (fill.hatchBackground)
+            p.Write("<rect width=\"", side, "\" height=\"", side, "\" fill=\"",
+                    ColourText(fill.background), "\"/>");
+        p.Write("<path d=\"", HatchData(fill.hatch, pixel), "\" stroke=\"", ColourText(fill.color),
+                "\" stroke-linecap=\"butt\"");
+        if (Hundredths(pixel) != 100) p.Write(" stroke-width=\"", NumberText(pixel), "\"");
+        p.Append("/>");
+    } else {
+        const QImage& image = *fill.image;
+        QByteArray png;
+        QBuffer device(&png);
+        device.open(QIODevice::WriteOnly);
+        image.save(&device, "PNG");
+        const QByteArray w = NumberText(image.width() * pixel),
+                         h = NumberText(image.height() * pixel);
+        p.Write(" width=\"", w, "\" height=\"", h, "\"><image width=\"", w, "\" height=\"", h,
+                "\" xlink:href=\"data:image/png;base64,", png.toBase64(), "\"/>");
+        m_xlink = true;
+    }
+    p.Append("</pattern>");
+    const QByteArray key = p.Take();
+    const auto found = m_patterns.find(key);
+    if (found != m_patterns.end()) return found->second;
+    const int id = m_nextId++;
+    m_body.Write("<defs><pattern id=\"p", id, "\"", key, "</defs>\n");
+    m_patterns.emplace(key, id);
+    return id;
+}
+
+QByteArray DeviceSvg::StyleOf(const DrawOp& op) {
+    SvgBuffer s;
+    const Fill& f = op.fill;
+    if (f.kind == Fill::Kind::Solid) {
+        s.Write(" fill=\"", ColourText(f.color), "\"");
+    } else if (f.kind != Fill::Kind::None) {
+        const int id = PatternFor(f);
+        s.Write(" fill=\"url(#p", id, ")\"");
+    }
+    if (f.kind != Fill::Kind::None && f.rule == FillRule::EvenOdd && RuleMatters(op.path))
+        s.Append(" fill-rule=\"evenodd\"");
+    const Stroke& k = op.stroke;
+    if (k.visible) {
+        s.Write(" stroke=\"", ColourText(k.color), "\"");
+        if (Hundredths(k.width) != 100) s.Write(" stroke-width=\"", NumberText(k.width), "\"");
+        if (!k.dashes.empty()) {
+            s.Append(" stroke-dasharray=\"");
+            for (size_t i = 0; i < k.dashes.size(); ++i) {
+                if (i) s.Append(' ');
+                AppendNumber(s, k.dashes[i]);
+            }
+            s.Append('"');
+        }
+        if (k.cap != Stroke::Cap::Round)
+            s.Append(k.cap == Stroke::Cap::Flat ? " stroke-linecap=\"butt\""
+                                                : " stroke-linecap=\"square\"");
+        if (k.join != Stroke::Join::Round)
+            s.Append(k.join == Stroke::Join::Bevel ? " stroke-linejoin=\"bevel\""
+                                                   : " stroke-linejoin=\"miter\"");
+        if (k.join == Stroke::Join::Miter && Hundredths(k.miterLimit) != 400)
+            s.Write(" stroke-miterlimit=\"", NumberText(k.miterLimit), "\"");
+    }
+    return s.Take();
+}
+
+void DeviceSvg::AppendPathData(const Path& path) {
+    // Absolute commands; a repeated command letter is left out, horizontal and vertical lines
+    // use H and V. Numbers are separated by a space unless a minus sign separates them.
+    SvgBuffer& out = m_body;
+    char last = 0;  // the command in force
+    bool number = false;
+    int64_t cx = 0, cy = 0;  // the current point, in hundredths
+    auto num = [&](int64_t n) {
+        if (number && n >= 0) out.Append(' ');
+        AppendHundredths(out, n);
+        number = true;
+    };
+    auto command = [&](char c) {
+        if (c != last || c == 'Z' || c == 'M') {
+            out.Append(c);
+            number = false;
+        }
+        last = c == 'M' ? 'L' : c;  // after a move, pairs are lines
+    };
+    const std::vector<PointF>& pts = path.points();
+    size_t i = 0;
+    for (Path::Verb v : path.verbs()) {
+        if (v == Path::Verb::Close) {
+            command('Z');
+            continue;
+        }
+        if (v == Path::Verb::Cubic) {
+            command('C');
+            for (int k = 0; k < 3; ++k) {
+                num(Hundredths(pts[i + k].x));
+                num(Hundredths(pts[i + k].y));
+            }
+            cx = Hundredths(pts[i + 2].x);
+            cy = Hundredths(pts[i + 2].y);
+            i += 3;
+            continue;
+        }
+        const int64_t x = Hundredths(pts[i].x), y = Hundredths(pts[i].y);
+        ++i;
+        if (v == Path::Verb::Move) {
+            command('M');
+            num(x);
+            num(y);
+        } else if (y == cy && x != cx) {
+            command('H');
+            num(x);
+        } else if (x == cx && y != cy) {
+            command('V');
+            num(y);
+        } else {
+            command('L');
+            num(x);
+            num(y);
+        }
+        cx = x;
+        cy = y;
+    }
+}
+
+void DeviceSvg::Draw(const DrawOp& op) {
+    const QByteArray style = StyleOf(op);
+    if (!m_groupOpen || style != m_group) {
+        if (m_groupOpen) m_body.Append("</g>\n");
+        m_groupOpen = false;
+        m_body.Write("<g", style, ">\n");
+        m_group = style;
+        m_groupOpen = true;
+    }
+    m_body.Append("<path d=\"");
+    AppendPathData(op.path);
+    m_body.Append("\"/>\n");
+
+    RectF b = op.path.Bounds();
+    if (op.stroke.visible) {
+        const double h = op.stroke.width / 2;
+        b = {b.left - h, b.top - h, b.right + h, b.bottom + h};
+    }
+    if (!m_drawn) {
+        m_bounds = b;
+        m_drawn = true;
+    } else {
+        m_bounds = {std::min(m_bounds.left, b.left), std::min(m_bounds.top, b.top),
+                    std::max(m_bounds.right, b.right), std::max(m_bounds.bottom, b.bottom)};
+    }
+}
+
+QByteArray DeviceSvg::Finish(double widthPx, double heightPx, const RectF& viewBox) {
+    m_body.SetLimit(SvgBuffer::kNoLimit);
+    if (m_groupOpen) m_body.Append("</g>\n");
+    m_groupOpen = false;
+    SvgBuffer doc;
+    doc.Append(
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+        "<svg xmlns=\"http://www.w3.org/2000/svg\"");
+    if (m_xlink) doc.Append(" xmlns:xlink=\"http://www.w3.org/1999/xlink\"");
+    doc.Write(" version=\"1.1\" width=\"", NumberText(widthPx), "\" height=\"",
+              NumberText(heightPx), "\" viewBox=\"");
+    AppendNumber(doc, viewBox.left);
+    doc.Append(' ');
+    AppendNumber(doc, viewBox.top);
+    doc.Append(' ');
+    AppendNumber(doc, viewBox.right - viewBox.left);
+    doc.Append(' ');
+    AppendNumber(doc, viewBox.bottom - viewBox.top);
+    doc.Append(
+        "\" preserveAspectRatio=\"none\" fill=\"none\" stroke-linecap=\"round\" "
+        "stroke-linejoin=\"round\">\n");
+    doc.Append(m_body);
+    doc.Append("</svg>\n");
+    m_body.Clear();
+    return doc.Take();
+}
+
+}  // namespace faithful

@@ -1,0 +1,73 @@
+// What the device context hands to a writer: drawing operations in device space, every
+// coordinate, width, dash and pattern already resolved from the logical state.
+#ifndef SVGMODULE_FAITHFUL_DRAWOPS_H
+#define SVGMODULE_FAITHFUL_DRAWOPS_H
+
+#include <QImage>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "faithful/Geometry.h"
+
+namespace faithful {
+
+// A colour as 0x00RRGGBB (not the metafile's 0x00BBGGRR).
+using Rgb = uint32_t;
+
+// The metafile's COLORREF (0x00BBGGRR, high byte ignored) as Rgb.
+inline Rgb RgbFromColorRef(uint32_t c) {
+    return ((c & 0xFF) << 16) | (c & 0xFF00) | ((c >> 16) & 0xFF);
+}
+
+enum class FillRule : uint8_t { NonZero, EvenOdd };
+
+struct Fill {
+    enum class Kind : uint8_t { None, Solid, Hatch, Image };
+    Kind kind = Kind::None;
+    Rgb color = 0;  // Solid: the colour; Hatch: the lines' colour
+    // Hatch: the style (0 horizontal, 1 vertical, 2 forward diagonal "\", 3 backward
+    // diagonal "/", 4 cross, 5 diagonal cross), drawn as a tile of 8 x 8 pixels.
+    uint32_t hatch = 0;
+    // Hatch: the tile's background is filled with `background` (opaque background mode);
+    // false leaves it empty (transparent background mode).
+    bool hatchBackground = false;
+    Rgb background = 0xFFFFFF;
+    // Image: the tile, with its colours resolved.
+    std::shared_ptr<const QImage> image;
+    // Hatch and Image: where a tile's top-left corner lies (the brush origin, device units),
+    // and the size of one of the tile's pixels in device units.
+    PointF origin;
+    double pixel = 1;
+    FillRule rule = FillRule::NonZero;
+};
+
+struct Stroke {
+    enum class Cap : uint8_t { Round, Square, Flat };
+    enum class Join : uint8_t { Round, Bevel, Miter };
+    bool visible = false;
+    Rgb color = 0;
+    double width = 1;            // device units, at least 1
+    std::vector<double> dashes;  // on, off, on, ... in device units; empty for solid
+    Cap cap = Cap::Round;
+    Join join = Join::Round;
+    double miterLimit = 10;
+};
+
+// One drawing: the path is filled first, then stroked.
+struct DrawOp {
+    Path path;
+    Fill fill;
+    Stroke stroke;
+};
+
+// Where a device context sends what it draws.
+class DrawSink {
+  public:
+    virtual ~DrawSink() = default;
+    virtual void Draw(const DrawOp& op) = 0;
+};
+
+}  // namespace faithful
+
+#endif
