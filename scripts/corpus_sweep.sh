@@ -1,12 +1,15 @@
 #!/usr/bin/env bash
 # Converts every file of the shared corpus with the given converter binary and checks that
 # each ends in a defined result within the time limit and without a sanitizer report.
-#   scripts/corpus_sweep.sh BUILD_DIR [CORPUS_DIR]
+#   scripts/corpus_sweep.sh [--contract|--faithful] BUILD_DIR [CORPUS_DIR]
+# in the mode named (the command line's default when none is).
 # Prints one line per file that is refused or not well-formed XML, then a summary. The corpus is
 # CORPUS_DIR, else $SVGMODULE_CORPUS, else the build's SVGMODULE_CORPUS cache entry. Without
 # it the sweep says "corpus absent" and exits with status 77 (skipped).
 set -uo pipefail
 cd "$(dirname "$0")/.."
+mode=()
+case "${1:-}" in --contract | --faithful) mode=("$1"); shift ;; esac
 bin="$1/metafile2svg"
 corpus="${2:-${SVGMODULE_CORPUS:-$(sed -n 's/^SVGMODULE_CORPUS:PATH=//p' "$1/CMakeCache.txt" 2>/dev/null)}}"
 corpus="${corpus:-../shared/corpus}"
@@ -25,7 +28,7 @@ files=0 converted=0 refused=0 failed=0 malformed=0 slowest=0 slowest_file=""
 while IFS= read -r -d '' f; do
     files=$((files + 1))
     start=$(date +%s%N)
-    timeout "$limit" "$bin" "$f" -o "$tmp/out.svg" >"$tmp/stdout" 2>"$tmp/stderr"
+    timeout "$limit" "$bin" "${mode[@]}" "$f" -o "$tmp/out.svg" >"$tmp/stdout" 2>"$tmp/stderr"
     rc=$?
     ms=$(( ($(date +%s%N) - start) / 1000000 ))
     if [ "$ms" -gt "$slowest" ]; then slowest=$ms; slowest_file=$f; fi
@@ -42,6 +45,6 @@ while IFS= read -r -d '' f; do
         *) echo "CRASH (exit $rc) $f"; tail -n 20 "$tmp/stderr"; failed=$((failed + 1)) ;;
     esac
 done < <(find "$corpus" -type f \( -iname '*.emf' -o -iname '*.wmf' \) -print0 | sort -z)
-echo "corpus sweep: $files files, $converted converted, $refused refused with a status," \
+echo "corpus sweep${mode[*]:+ (${mode[*]})}: $files files, $converted converted, $refused refused with a status," \
      "$malformed not well-formed, $failed failed; slowest ${slowest} ms (${slowest_file#$corpus/})"
 [ "$failed" -eq 0 ]

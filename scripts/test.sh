@@ -3,10 +3,11 @@
 #  1. Qt 6 build, unit tests (ctest) with the command line's and the installation's tests;
 #  2. the Debian packages, built with CPack and checked with dpkg-deb;
 #  3. AddressSanitizer + UndefinedBehaviorSanitizer build, unit tests and a sweep over the
-#     corpus;
-#  4. ThreadSanitizer build of the library and the thread stress test, and its run;
+#     corpus in each mode;
+#  4. ThreadSanitizer build of the library and the thread stress test (both modes), and its run;
 #  5. Qt 5.15 build and unit tests;
-#  6. the libFuzzer target built with clang and run briefly over the corpus and examples.
+#  6. the libFuzzer target (both modes on every input) built with clang and run briefly over the
+#     corpus and examples.
 # scripts/test.sh --quick runs step 1 only.
 #
 # Every step runs, also after a failure. The last lines are the verdict: "N passed, M failed,
@@ -166,7 +167,8 @@ step "Sanitizer build, unit tests and corpus sweep"
 if build_step build-asan -DSVGMODULE_SANITIZE=ON -DSVGMODULE_FUZZ=OFF -DSVGMODULE_BENCH=OFF; then
     ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 \
         ctest_step build-asan -j"$jobs"
-    run_step "build-asan/corpus sweep" scripts/corpus_sweep.sh build-asan
+    run_step "build-asan/corpus sweep, contract" scripts/corpus_sweep.sh --contract build-asan
+    run_step "build-asan/corpus sweep, faithful" scripts/corpus_sweep.sh --faithful build-asan
 fi
 
 step "ThreadSanitizer build and thread stress test"
