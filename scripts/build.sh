@@ -17,6 +17,10 @@ while [ $# -gt 0 ]; do
         shift
     fi
 done
+# A compiler cache, when the machine has one, makes rebuilds of unchanged sources free.
+if command -v ccache >/dev/null; then
+    options=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_C_COMPILER_LAUNCHER=ccache "${options[@]}")
+fi
 cmake -S . -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo "${options[@]}" >"$dir.configure.log" 2>&1 \
     || { cat "$dir.configure.log"; exit 1; }
 cmake --build "$dir" "${targets[@]}"
