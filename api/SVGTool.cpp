@@ -104,24 +104,31 @@ int ConvertWMFToSVG(const char* data, QByteArray& out) {
     return svgtool::ConvertWMFToSVG(data, UINT64_MAX, out);
 }
 
-extern "C" int ConvertMetaFileToSVG(const QByteArray& in, QByteArray& out) {
+namespace svgtool {
+
+int ConvertMetafile(const char* data, uint64_t n, QByteArray& out) {
     TRACE_ENTER();
-    const uint64_t n = (uint64_t)in.size();
-    if (n == 0) TRACE_RETURN(0);
+    if (!data || n == 0) TRACE_RETURN(0);
     if (n < kWmfHeaderSize) TRACE_RETURN(0);
     try {
-        tagENHMETAHEADER header =
-            ReadHeader<tagENHMETAHEADER>(in.constData(), n < kEmfHeaderSize ? 0 : n);
+        tagENHMETAHEADER header = ReadHeader<tagENHMETAHEADER>(data, n < kEmfHeaderSize ? 0 : n);
         InitEnhMetaHeader(header);
         int result;
         if (Emf2SvgConverter::IsValidEMFFile(header) == -2)
-            result = svgtool::ConvertWMFToSVG(in.constData(), n, out);
+            result = ConvertWMFToSVG(data, n, out);
         else
-            result = ConvertEMFToSVG(in.constData(), out, (unsigned long)n);
+            result = ::ConvertEMFToSVG(data, out, (unsigned long)n);
         TRACE_RETURN(result);
     } catch (...) {
         TRACE_RETURN(0);
     }
+}
+
+}  // namespace svgtool
+
+// Traced once, by the shared body.
+extern "C" int ConvertMetaFileToSVG(const QByteArray& in, QByteArray& out) {
+    return svgtool::ConvertMetafile(in.constData(), (uint64_t)in.size(), out);
 }
 
 extern "C" int WMFToSVG(const QString& fileName, QByteArray& out) {

@@ -12,6 +12,10 @@ namespace svgtool {
 // exported ConvertWMFToSVG, which the format-detecting entry calls with the input's length.
 int ConvertWMFToSVG(const char* data, uint64_t available, QByteArray& out);
 
+// Converts the metafile of `size` bytes at `data`, EMF or WMF as its header says: the body of
+// the exported ConvertMetaFileToSVG, and the contract mode of svgmodule_convert.
+int ConvertMetafile(const char* data, uint64_t size, QByteArray& out);
+
 }  // namespace svgtool
 
 #endif

@@ -26,11 +26,29 @@ inline bool TraceEnabled() {
     return CLogSystem::theRootInstance->level() == basic_logging::Level::Trace;
 }
 
+// Every line below is handed to the log system whole, in one call, so that lines written on
+// several threads at once never mix. While a DiagnosticName lives on a thread, the lines that
+// thread writes start with its name and ": ".
+
 // Writes "file\tline\t", what and func as one trace line.
 void TraceLine(const char* file, int line, const char* what, const char* func);
 void WarnLine(const char* file, int line, const char* message);
 void FatalLine(const char* file, int line, const char* message);
 void InfoLine(const char* file, int line, const char* message);
+
+// Names the input of the conversion running on this thread in its diagnostic lines while it
+// lives (a null or empty name: none); the name must outlive it. Scopes nest: the outer name
+// comes back when an inner one ends.
+class DiagnosticName {
+  public:
+    explicit DiagnosticName(const char* name);
+    ~DiagnosticName();
+    DiagnosticName(const DiagnosticName&) = delete;
+    DiagnosticName& operator=(const DiagnosticName&) = delete;
+
+  private:
+    const char* m_outer;
+};
 
 }  // namespace svgtrace
 

@@ -138,7 +138,7 @@ void Emf2SvgConverter::WalkRecords(const unsigned char* data, const tagENHMETAHE
     uint64_t pos = header.nSize;
     uint32_t count = 0;
     // Output beyond the budget ends the walk too, at the start of the record that passed it.
-    m_writer.LimitOutput(CMySVGWriter::OutputBudget(header.nBytes));
+    m_writer.LimitOutput(OutputBudget(header.nBytes));
     size_t recordStart = m_writer.OutputSize();
     try {
         while (records::Fits(pos, sizeof(tagEMR), end)) {

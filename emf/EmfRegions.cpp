@@ -6,6 +6,7 @@
 // A rectangle count beyond what the record holds is cut to the rectangles that lie inside the
 // record (as for point lists); a count with the top bit set gives no rectangles.
 #define TRACE_FILE "Emf2SVG"
+#include <algorithm>
 #include <cstddef>
 #include <memory>
 
@@ -73,11 +74,15 @@ int Emf2SvgConverter::OnFrameRgn(unsigned char* record, unsigned int size) {
 // clip. A record without region data changes nothing.
 //
 // Every record writes the whole accumulated region, so records that repeat a large one could
-// make a document of the square of the file's size. Combining and writing are therefore paid
-// from a budget of rectangles that grows with the file (m_clipBudget): a record costs the
-// rectangles it combines plus a bound of the region it makes, or, when it combines nothing,
-// the rectangles it writes. A record the budget cannot pay for, or whose region would exceed
-// kMaxRegionRects, is skipped like one without region data.
+// make a document of the square of the file's size, and crossing rectangles combine into
+// regions of the square of their number. Combining and writing are therefore paid from a
+// budget of rectangles that grows with the file (m_clipBudget): a record that combines pays
+// the rectangles it reads and the count of its combination (CombinationCount, which the
+// region it makes and writes never exceeds); one that combines nothing pays the rectangles
+// it writes. The combination is counted before it is made and given up once the count passes
+// what the budget has left or kMaxRegionRects: the record then pays what was counted (all
+// that was left) and is skipped like one without region data, as is a record that cannot pay
+// for its writing or whose regions alone hold more rectangles than it could pay for.
 int Emf2SvgConverter::OnExtSetClipRgn(unsigned char* record, unsigned int size) {
     TRACE_ENTER();
     if (IsEmptyRecord(record, size)) TRACE_RETURN(0);
@@ -93,9 +98,19 @@ int Emf2SvgConverter::OnExtSetClipRgn(unsigned char* record, unsigned int size) 
             RegionRects(record, size, offsetof(tagEMREXTSELECTCLIPRGN, RgnData), r.RgnData.rdh);
         bool tooComplex = false;
         region = CreateQRegionFromRects((int)rects.size(), rects.data(), &tooComplex);
-        const uint64_t bound = CombinedRectBound(m_boundsRegion, region);
-        if (tooComplex || bound > kMaxRegionRects) TRACE_RETURN(1);
-        cost = rects.size() + bound;
+        if (tooComplex) TRACE_RETURN(1);
+        const uint64_t left = m_clipBudget - std::min<uint64_t>(rects.size(), m_clipBudget);
+        const uint64_t cap = std::min(kMaxRegionRects, left);
+        // The count takes every rectangle of the two at least once: a pair past the cap on
+        // that alone is skipped without counting.
+        if (cost + (uint64_t)region.rectCount() > cap) TRACE_RETURN(1);
+        const uint64_t count = CombinationCount(m_boundsRegion, region, cap);
+        cost = rects.size() + count;
+        if (count > cap) {
+            // Given up on the way: the counting spent what was left.
+            m_clipBudget -= std::min(cost, m_clipBudget);
+            TRACE_RETURN(1);
+        }
     }
     if (cost > m_clipBudget) TRACE_RETURN(1);
     m_clipBudget -= cost;

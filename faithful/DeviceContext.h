@@ -349,9 +349,6 @@ class DeviceContext {
     bool m_pathReady = false;  // EndPath closed a bracket whose path waits for its use
     bool m_widened = false;
     Path m_path;
-    // The last monochrome pattern coloured, kept for the next fills with the same colours.
-    mutable std::shared_ptr<const QImage> m_monoSource, m_monoColoured;
-    mutable uint32_t m_monoColours[2] = {0, 0};
 };
 
 }  // namespace faithful

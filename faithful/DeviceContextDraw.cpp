@@ -151,18 +151,9 @@ Fill DeviceContext::BrushFill(const LogBrush& brush) const {
             f.image = brush.pattern;
             if (brush.monochrome && brush.pattern->format() == QImage::Format_Mono) {
                 // Index 0 in the text colour, index 1 in the background colour.
-                const uint32_t colours[2] = {m_state.textColor, m_state.bkColor};
-                if (m_monoSource != brush.pattern || m_monoColours[0] != colours[0] ||
-                    m_monoColours[1] != colours[1]) {
-                    auto coloured = std::make_shared<QImage>(*brush.pattern);
-                    coloured->setColorTable({0xFF000000u | RgbFromColorRef(colours[0]),
-                                             0xFF000000u | RgbFromColorRef(colours[1])});
-                    m_monoSource = brush.pattern;
-                    m_monoColoured = coloured;
-                    m_monoColours[0] = colours[0];
-                    m_monoColours[1] = colours[1];
-                }
-                f.image = m_monoColoured;
+                f.monochrome = true;
+                f.color = RgbFromColorRef(m_state.textColor);
+                f.background = RgbFromColorRef(m_state.bkColor);
             }
             return f;
         default:  // BS_SOLID and the styles that give a plain colour

@@ -90,6 +90,9 @@ void AppendNumber(SvgBuffer& out, double v) {
 DeviceSvg::DeviceSvg() {}
 
 void DeviceSvg::SetLimit(size_t limit) {
+    // Encoding a tile costs time in proportion to its pixels: no more tile bytes are encoded
+    // than the document may hold.
+    m_imageBudget = limit;
     m_body.SetLimit(limit > 2 * kFrameBytes ? limit - kFrameBytes : limit / 2);
 }
 
@@ -123,7 +126,9 @@ int DeviceSvg::PatternFor(const Fill& fill) {
         if (Hundredths(pixel) != 100) p.Write(" stroke-width=\"", NumberText(pixel), "\"");
         p.Append("/>");
     } else {
-        const QImage& image = *fill.image;
+        QImage image = *fill.image;
+        if (fill.monochrome && image.format() == QImage::Format_Mono)
+            image.setColorTable({0xFF000000u | fill.color, 0xFF000000u | fill.background});
         QByteArray png;
         QBuffer device(&png);
         device.open(QIODevice::WriteOnly);
@@ -144,14 +149,35 @@ int DeviceSvg::PatternFor(const Fill& fill) {
     return id;
 }
 
+int DeviceSvg::ImagePattern(const Fill& fill) {
+    const int64_t colours = fill.monochrome ? (int64_t)fill.color << 24 | fill.background : -1;
+    const auto key = std::make_tuple(fill.image.get(), colours, Hundredths(fill.origin.x),
+                                     Hundredths(fill.origin.y), Hundredths(fill.pixel));
+    const auto found = m_imagePatterns.find(key);
+    if (found != m_imagePatterns.end()) return found->second;
+    const size_t bytes = (size_t)fill.image->sizeInBytes();
+    if (bytes > m_imageBudget) return -1;
+    m_imageBudget -= bytes;
+    const int id = PatternFor(fill);
+    m_imagePatterns.emplace(key, id);
+    m_tiles.push_back(fill.image);
+    return id;
+}
+
 QByteArray DeviceSvg::StyleOf(const DrawOp& op) {
     SvgBuffer s;
     const Fill& f = op.fill;
     if (f.kind == Fill::Kind::Solid) {
         s.Write(" fill=\"", ColourText(f.color), "\"");
-    } else if (f.kind != Fill::Kind::None) {
-        const int id = PatternFor(f);
-        s.Write(" fill=\"url(#p", id, ")\"");
+    } else if (f.kind == Fill::Kind::Hatch) {
+        s.Write(" fill=\"url(#p", PatternFor(f), ")\"");
+    } else if (f.kind == Fill::Kind::Image) {
+        const int id = ImagePattern(f);
+        if (id >= 0)
+            s.Write(" fill=\"url(#p", id, ")\"");
+        else  // past the encoding budget: the tile's first pixel as a plain colour
+            s.Write(" fill=\"",
+                    ColourText(f.monochrome ? f.color : f.image->pixel(0, 0) & 0xFFFFFF), "\"");
     }
     if (f.kind != Fill::Kind::None && f.rule == FillRule::EvenOdd && RuleMatters(op.path))
         s.Append(" fill-rule=\"evenodd\"");

@@ -12,6 +12,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <memory>
+#include <tuple>
+#include <vector>
 
 #include "faithful/DrawOps.h"
 #include "svg/SvgBuffer.h"
@@ -53,12 +56,20 @@ class DeviceSvg : public DrawSink {
     QByteArray StyleOf(const DrawOp& op);
     // The id of the pattern of a hatch or image fill, written on first use.
     int PatternFor(const Fill& fill);
+    // The id of an image fill's pattern: found by the image's identity, or encoded while the
+    // encoding budget lasts; -1 once it is spent.
+    int ImagePattern(const Fill& fill);
     void AppendPathData(const Path& path);
 
     SvgBuffer m_body;
     bool m_groupOpen = false;
     QByteArray m_group;  // the open group's style
     std::map<QByteArray, int> m_patterns;
+    // Image fills by tile, colours (monochrome tiles), origin and pixel size (hundredths); the
+    // tiles are kept alive so that no other image takes their address.
+    std::map<std::tuple<const QImage*, int64_t, int64_t, int64_t, int64_t>, int> m_imagePatterns;
+    std::vector<std::shared_ptr<const QImage>> m_tiles;
+    size_t m_imageBudget = 0;  // bytes of tile pixels that may still be encoded
     int m_nextId = 1;
     bool m_xlink = false;
     bool m_drawn = false;

@@ -33,8 +33,10 @@ struct Fill {
     // false leaves it empty (transparent background mode).
     bool hatchBackground = false;
     Rgb background = 0xFFFFFF;
-    // Image: the tile, with its colours resolved.
+    // Image: the tile. When `monochrome`, a 1-bit tile drawn with `color` where its index is 0
+    // and `background` where it is 1.
     std::shared_ptr<const QImage> image;
+    bool monochrome = false;
     // Hatch and Image: where a tile's top-left corner lies (the brush origin, device units),
     // and the size of one of the tile's pixels in device units.
     PointF origin;

@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "byteorder/BEndTools.h"
-#include "svg/SVGWriter.h"
+#include "svg/SvgBuffer.h"
 
 namespace faithful {
 
@@ -44,7 +44,7 @@ QByteArray EmfPlayer::Play(const unsigned char* data, uint64_t size) {
     std::memcpy(&header, data, sizeof header);
     InitEnhMetaHeader(header);
     SetupDevice(header, data, size);
-    m_writer.SetLimit(CMySVGWriter::OutputBudget(size));
+    m_writer.SetLimit(OutputBudget(size));
     Walk(data, header);
     return Finish(header);
 }

@@ -1,4 +1,5 @@
-// libFuzzer entry: any byte string through the format-detecting converter.
+// libFuzzer entry: any byte string through both interpreters, the contract's format-detecting
+// converter and the faithful one.
 //
 // Two adjustments keep the fuzzer's executions meaningful and repeatable:
 // - An EMF whose header byte count differs from the input's length is refused before any
@@ -14,6 +15,7 @@
 #include <cstring>
 
 #include "CLogSystem.h"
+#include "faithful/Faithful.h"
 #include "svg/DibDecoder.h"
 #include "svgmodule.h"
 
@@ -46,5 +48,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     QByteArray out;
     const int status = ConvertMetaFileToSVG(in, out);
     if (status < -3 || status > 2) __builtin_trap();
+    QByteArray faithfulOut;
+    const int faithfulStatus = faithful::Convert(
+        reinterpret_cast<const unsigned char*>(in.constData()), (uint64_t)in.size(), faithfulOut);
+    if (faithfulStatus < -3 || faithfulStatus > 2) __builtin_trap();
     return 0;
 }

@@ -16,7 +16,8 @@ namespace {
 constexpr uint32_t kNone = std::numeric_limits<uint32_t>::max();
 // Lines with more edges than this are searched through an index rather than edge by edge.
 constexpr size_t kIndexedLine = 16;
-constexpr int32_t kCoordLimit = (1 << 30) - 1;
+// Where the ends of a rectangle's side too long for int are cut.
+constexpr int32_t kCutLimit = (1 << 30) - 1;
 
 // An edge on its line: `line` is the y of a horizontal edge or the x of a vertical one, and
 // the edge runs from `lo` to `hi` (lo <= hi) along it.
@@ -431,20 +432,31 @@ bool InRegionForm(const std::vector<QRect>& boxes) {
     return true;
 }
 
-// The number of bands of a region and the most rectangles in one of them.
-std::pair<uint64_t, uint64_t> BandShape(const QRegion& region) {
-    uint64_t bands = 0, widest = 0, inBand = 0;
-    int top = 0;
-    for (const QRect& box : region) {
-        if (bands == 0 || box.top() != top) {
-            ++bands;
-            top = box.top();
-            inBand = 0;
-        }
-        widest = std::max(widest, ++inBand);
+// A region's bands one after the other: the rectangles of a band share its top and bottom.
+class BandWalk {
+  public:
+    explicit BandWalk(const QRegion& region) : m_at(region.begin()), m_end(region.end()) {
+        Measure();
     }
-    return {bands, widest};
-}
+    bool Done() const { return m_at == m_end; }
+    int64_t Top() const { return m_at->top(); }
+    int64_t Bottom() const { return m_at->bottom(); }  // the band's last row
+    uint64_t Width() const { return (uint64_t)(m_bandEnd - m_at); }
+    void Next() {
+        m_at = m_bandEnd;
+        Measure();
+    }
+
+  private:
+    void Measure() {
+        m_bandEnd = m_at;
+        while (m_bandEnd != m_end && m_bandEnd->top() == m_at->top()) ++m_bandEnd;
+    }
+
+    QRegion::const_iterator m_at;
+    QRegion::const_iterator m_end;
+    QRegion::const_iterator m_bandEnd = nullptr;
+};
 
 // The union of boxes[lo, hi), halves first: each union costs the sizes of its two sides.
 QRegion Unite(const std::vector<QRect>& boxes, size_t lo, size_t hi, bool& tooComplex) {
@@ -453,7 +465,7 @@ QRegion Unite(const std::vector<QRect>& boxes, size_t lo, size_t hi, bool& tooCo
     const size_t mid = lo + (hi - lo) / 2;
     const QRegion left = Unite(boxes, lo, mid, tooComplex);
     const QRegion right = Unite(boxes, mid, hi, tooComplex);
-    tooComplex = tooComplex || CombinedRectBound(left, right) > kMaxRegionRects;
+    tooComplex = tooComplex || CombinationCount(left, right, kMaxRegionRects) > kMaxRegionRects;
     return tooComplex ? QRegion() : left.united(right);
 }
 
@@ -520,17 +532,47 @@ int ConvertRgnDataToPath(int count, const tagRECT* rects, std::list<CLine>& out)
 }
 
 QRect RectToQRect(const tagRECT& r) {
-    const auto cut = [](int32_t v) { return std::clamp(v, -kCoordLimit, kCoordLimit); };
-    const int32_t left = cut(r.left), top = cut(r.top), right = cut(r.right);
-    const int32_t bottom = cut(r.bottom);
+    // One side, from `lo` up to `hi` (excluded): above -2^31, and cut when too long.
+    const auto fit = [](int32_t& lo, int32_t& hi) {
+        lo = std::max(lo, -std::numeric_limits<int32_t>::max());
+        if ((int64_t)hi - lo > std::numeric_limits<int32_t>::max()) {
+            lo = std::max(lo, -kCutLimit);
+            hi = std::min(hi, kCutLimit);
+        }
+    };
+    int32_t left = r.left, top = r.top, right = r.right, bottom = r.bottom;
+    fit(left, right);
+    fit(top, bottom);
     if (right <= left || bottom <= top) return QRect();
     return QRect(QPoint(left, top), QPoint(right - 1, bottom - 1));
 }
 
-uint64_t CombinedRectBound(const QRegion& a, const QRegion& b) {
-    const auto [bandsA, widestA] = BandShape(a);
-    const auto [bandsB, widestB] = BandShape(b);
-    return 2 * (bandsA + bandsB) * (widestA + widestB);
+uint64_t CombinationCount(const QRegion& a, const QRegion& b, uint64_t cap) {
+    // Each is counted at least once: a pair that passes the cap on that alone is not walked.
+    const uint64_t least = (uint64_t)a.rectCount() + (uint64_t)b.rectCount();
+    if (least > cap) return least;
+    // The rows above `y` are counted. Each step moves `y` to the next band edge of either
+    // region, and counts the bands that cover the rows in between.
+    uint64_t count = 0;
+    BandWalk bands[2] = {BandWalk(a), BandWalk(b)};
+    int64_t y = std::numeric_limits<int64_t>::min();
+    while (!bands[0].Done() || !bands[1].Done()) {
+        int64_t next = std::numeric_limits<int64_t>::max();
+        for (const BandWalk& band : bands) {
+            if (band.Done()) continue;
+            if (band.Top() <= y) {
+                count += band.Width();
+                next = std::min(next, band.Bottom() + 1);
+            } else {
+                next = std::min(next, band.Top());
+            }
+        }
+        if (count > cap) return count;
+        y = next;
+        for (BandWalk& band : bands)
+            if (!band.Done() && band.Bottom() < y) band.Next();
+    }
+    return count;
 }
 
 QRegion CreateQRegionFromRects(int count, const tagRECT* rects, bool* tooComplex) {

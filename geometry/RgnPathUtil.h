@@ -63,18 +63,24 @@ int VSplitIfOverlap(CVLine& a, CVLine& b, std::list<CVLine>& list);
 // vertical ones, each list in the order the cancelling pass leaves it. Returns 1.
 int ConvertRgnDataToPath(int count, const tagRECT* rects, std::list<CLine>& out);
 
-// The rectangle as a QRect, empty when it has no area. Coordinates are first cut to
-// +-(2^30 - 1), so that widths and heights stay within int in the region arithmetic.
+// The rectangle as a QRect, empty when it has no area. Its coordinates are kept, except that
+// -2^31 becomes -(2^31 - 1) (the region arithmetic steps one below a left or top edge) and a
+// side longer than 2^31 - 1 has its ends cut to +-(2^30 - 1), so that widths and heights stay
+// within int.
 QRect RectToQRect(const tagRECT& r);
-// The most rectangles a region built or combined here may have (16 MiB of QRect).
+// The most a combination of regions built here may count (CombinationCount): the work of
+// making a region of at most that many rectangles (16 MiB of QRect).
 const uint64_t kMaxRegionRects = 1 << 20;
-// An upper bound of the rectangles of the union, intersection or symmetric difference of two
-// regions: the bands of the result lie between band edges of the two, and each band holds at
-// most the spans of both. Rectangles crossing each other can make a region of the square of
-// their number; this bound keeps such regions from being made.
-uint64_t CombinedRectBound(const QRegion& a, const QRegion& b);
-// The union of `count` rectangles (none for a count of 0 or less). When a step of the union
-// could exceed kMaxRegionRects, the result is empty and `tooComplex` (when given) is set.
+// The count of combining two regions (union, intersection or symmetric difference), as the
+// combination goes: the bands of the result lie between consecutive band edges of the two,
+// and in each the combination takes the rectangles of both regions' bands there. Every
+// rectangle of the two is counted at least once, and the result never has more rectangles
+// than the count (rectangles crossing each other can make a region of the square of their
+// number). Counting stops once the count passes `cap`; the value returned is then above it.
+uint64_t CombinationCount(const QRegion& a, const QRegion& b, uint64_t cap);
+// The union of `count` rectangles (none for a count of 0 or less). When the count of a step
+// of the union passes kMaxRegionRects, the result is empty and `tooComplex` (when given) is
+// set.
 QRegion CreateQRegionFromRects(int count, const tagRECT* rects, bool* tooComplex = nullptr);
 // The region's rectangles, in its y-then-x band order, in a new array owned by the caller
 // (array delete); returns their number.

@@ -6,14 +6,14 @@
 #   BUILD_DIR/bench/compare_peers  per corpus file: this library against libemf2svg (EMF) and
 #                                  libwmf (WMF), CPU time, medians of ROUNDS rounds
 #   BUILD_DIR/bench/bench_scale    1k to 1M synthetic records: ns per record, peak heap
-# Environment: ROUNDS (default 21), CORPUS (default shared/corpus next to the repository),
-# MAX_RECORDS (default 1000000). Tables go to standard output; the CSV files
+# Environment: ROUNDS (default 21), SVGMODULE_CORPUS or CORPUS (default shared/corpus next to
+# the repository), MAX_RECORDS (default 1000000). Tables go to standard output; the CSV files
 # (peers.csv, peers-summary.csv, scale.csv) to BUILD_DIR.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 build=${1:-build-bench}
 rounds=${ROUNDS:-21}
-corpus=${CORPUS:-$(dirname "$(pwd)")/shared/corpus}
+corpus=${SVGMODULE_CORPUS:-${CORPUS:-$(dirname "$(pwd)")/shared/corpus}}
 max_records=${MAX_RECORDS:-1000000}
 
 scripts/setup.sh libemf2svg-dev libwmf-dev libbenchmark-dev

@@ -9,8 +9,9 @@
 #       lists the files whose SVG or status differs, prints "N files, M identical, K differ"
 #       and exits 1 when any differs.
 #
-# The corpus is CORPUS_DIR, else $CORPUS, else shared/corpus next to the repository. Without a
-# corpus, `save` says so and exits 0. Diagnostics are off (LIBLOGGING_LEVEL=OFF) so that only
+# The corpus is CORPUS_DIR, else $SVGMODULE_CORPUS (or $CORPUS), else BUILD_DIR's SVGMODULE_CORPUS
+# cache entry, else shared/corpus next to the repository. Without a corpus, `save` says so and
+# exits 0. Diagnostics are off (LIBLOGGING_LEVEL=OFF) so that only
 # the converter's output is compared. Typical use:
 #
 #   scripts/corpus_compare.sh save build-old /tmp/before     # with the old build
@@ -29,7 +30,9 @@ limit=${TIMEOUT_SECONDS:-60}
 
 save() {
     local build=$1 out=$2
-    local corpus=${3:-${CORPUS:-$(dirname "$repo")/shared/corpus}}
+    local corpus=${3:-${SVGMODULE_CORPUS:-${CORPUS:-}}}
+    [ -n "$corpus" ] || corpus=$(sed -n 's/^SVGMODULE_CORPUS:PATH=//p' "$build/CMakeCache.txt" 2>/dev/null)
+    corpus=${corpus:-$(dirname "$repo")/shared/corpus}
     local bin
     bin=$(cd "$build" 2>/dev/null && pwd)/metafile2svg
     if [ ! -d "$corpus" ]; then

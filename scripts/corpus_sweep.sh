@@ -2,15 +2,18 @@
 # Converts every file of the shared corpus with the given converter binary and checks that
 # each ends in a defined result within the time limit and without a sanitizer report.
 #   scripts/corpus_sweep.sh BUILD_DIR [CORPUS_DIR]
-# Prints one line per file that is refused or not well-formed XML, then a summary.
+# Prints one line per file that is refused or not well-formed XML, then a summary. The corpus is
+# CORPUS_DIR, else $SVGMODULE_CORPUS, else the build's SVGMODULE_CORPUS cache entry. Without
+# it the sweep says "corpus absent" and exits with status 77 (skipped).
 set -uo pipefail
 cd "$(dirname "$0")/.."
 bin="$1/metafile2svg"
-corpus="${2:-../shared/corpus}"
+corpus="${2:-${SVGMODULE_CORPUS:-$(sed -n 's/^SVGMODULE_CORPUS:PATH=//p' "$1/CMakeCache.txt" 2>/dev/null)}}"
+corpus="${corpus:-../shared/corpus}"
 limit=10
 if [ ! -d "$corpus" ]; then
-    echo "corpus sweep: no corpus at $corpus, skipped"
-    exit 0
+    echo "corpus sweep: corpus absent: no folder $corpus"
+    exit 77
 fi
 export ASAN_OPTIONS="detect_leaks=1:abort_on_error=0:exitcode=90"
 export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1:exitcode=91"

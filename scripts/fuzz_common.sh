@@ -35,7 +35,7 @@ fuzz_seeds() {
         else
             echo "fuzz seeds: $generator not built; its seeds are left out" >&2
         fi
-        local corpus=${CORPUS:-../shared/corpus}
+        local corpus=${SVGMODULE_CORPUS:-${CORPUS:-../shared/corpus}}
         if [ -d "$corpus" ]; then
             # Named after their path: the corpus folders repeat some file names.
             find "$corpus" -type f \( -iname '*.emf' -o -iname '*.wmf' \) -print0 |

@@ -16,7 +16,8 @@
 # that sysroot.
 #
 # Environment: S390X_BUILD (build-s390x), S390X_SYSROOT (S390X_BUILD/sysroot), LE_BUILD (the
-# little-endian build compared against: build), CORPUS (../shared/corpus), JOBS (2).
+# little-endian build compared against: build), SVGMODULE_CORPUS or CORPUS (../shared/corpus),
+# JOBS (2).
 # Exit status 0 when the unit tests pass and every corpus file agrees.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -24,7 +25,7 @@ repo=$PWD
 build=${S390X_BUILD:-build-s390x}
 sysroot=${S390X_SYSROOT:-$repo/$build/sysroot}
 little=${LE_BUILD:-build}
-corpus=${CORPUS:-$(dirname "$repo")/shared/corpus}
+corpus=${SVGMODULE_CORPUS:-${CORPUS:-$(dirname "$repo")/shared/corpus}}
 jobs=${JOBS:-2}
 SUDO=""
 [ "$(id -u)" -ne 0 ] && SUDO="sudo"

@@ -42,11 +42,6 @@ bool CMySVGWriter::Close() {
     TRACE_RETURN(true);
 }
 
-size_t CMySVGWriter::OutputBudget(uint64_t inputBytes) {
-    const uint64_t most = SvgBuffer::kNoLimit / kOutputPerInputByte;
-    return inputBytes < most ? (size_t)(inputBytes * kOutputPerInputByte) : SvgBuffer::kNoLimit;
-}
-
 void CMySVGWriter::LimitOutput(size_t bytes) {
     m_out.SetLimit(bytes);
     m_pathData.SetLimit(bytes);

@@ -30,13 +30,8 @@ class CMySVGWriter {
     // Document.
     bool CreateXML(int width, int height);
     bool Close();
-    // The most a metafile of `inputBytes` bytes may write: kOutputPerInputByte bytes for each
-    // of its bytes. Drawing texts alone could make more (a pen's dash text is repeated in
-    // every element drawn with it, so output could grow with the square of the input).
-    static const uint64_t kOutputPerInputByte = 64;
-    static size_t OutputBudget(uint64_t inputBytes);
-    // The document, and the path being collected, may each grow to `bytes`; a write past it
-    // throws OutputLimitReached.
+    // The document, and the path being collected, may each grow to `bytes` (a conversion sets
+    // OutputBudget of its input, svg/SvgBuffer.h); a write past it throws OutputLimitReached.
     void LimitOutput(size_t bytes);
     size_t OutputSize() const { return m_out.size(); }
     // Ends the drawing at `size` bytes of document: what was written after it and the path

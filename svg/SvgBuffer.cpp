@@ -9,6 +9,13 @@ const size_t kInitialCapacity = 256;
 
 const size_t SvgBuffer::kNoLimit = (size_t)std::numeric_limits<qsizetype>::max() / 2;
 
+size_t OutputBudget(uint64_t inputBytes) {
+    const uint64_t most = SvgBuffer::kNoLimit / kOutputPerInputByte;
+    const uint64_t budget =
+        inputBytes < most ? inputBytes * kOutputPerInputByte : SvgBuffer::kNoLimit;
+    return (size_t)(budget > kOutputFloor ? budget : kOutputFloor);
+}
+
 void SvgBuffer::Grow(size_t more) {
     const size_t held = (size_t)m_data.size();
     if (m_size > m_limit || more > m_limit - m_size) throw OutputLimitReached();

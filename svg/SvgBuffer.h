@@ -15,6 +15,15 @@
 // Thrown by a write that would take a buffer's text past the limit set for it.
 struct OutputLimitReached {};
 
+// The most SVG a metafile of `inputBytes` bytes may make: kOutputPerInputByte bytes for each of
+// its bytes, and never less than kOutputFloor. Drawing texts alone could make more (a pen's
+// dash text is repeated in every element drawn with it, so output could grow with the square
+// of the input); the floor lets a small file whose regions or clips legitimately write many
+// times its size be written whole.
+const uint64_t kOutputPerInputByte = 64;
+const uint64_t kOutputFloor = 4 << 20;
+size_t OutputBudget(uint64_t inputBytes);
+
 class SvgBuffer {
   public:
     // The largest text a buffer can hold when no lower limit is set.

@@ -268,6 +268,22 @@ QByteArray EmfRegionClip(int bytes) {
         emf);
 }
 
+// Clip regions of crossing strips, combined again and again: each combination makes a grid
+// of the square of their number, until the clip budget is spent.
+QByteArray EmfClipCrossing(int bytes) {
+    std::vector<mfb::Rect> columns, rows;
+    for (int i = 0; i < 256; ++i) {
+        columns.push_back({2 * i, 0, 2 * i + 1, 512});
+        rows.push_back({0, 2 * i, 512, 2 * i + 1});
+    }
+    const Bytes comb = mfb::RegionData(columns), grid = mfb::RegionData(rows);
+    return EmfOf(bytes, [&](mfb::Emf& e) {
+        e.record(mfb::EMR_EXTSELECTCLIPRGN, Bytes().u32(comb.size()).u32(2).append(comb))
+            .record(mfb::EMR_EXTSELECTCLIPRGN, Bytes().u32(grid.size()).u32(3).append(grid));
+        return 2 * (16 + comb.size());
+    });
+}
+
 // Text of characters that each need escaping, in one record and in many.
 QByteArray EmfLongStrings(int bytes) {
     const int chars = (bytes / 2 - 200) / 2;
@@ -408,6 +424,7 @@ const std::vector<Family>& Families() {
         {"emf-region-frame", EmfRegionFrame},
         {"emf-region-overlap", EmfRegionOverlap},
         {"emf-region-clip", EmfRegionClip},
+        {"emf-clip-crossing", EmfClipCrossing},
         {"emf-long-strings", EmfLongStrings},
         {"emf-paths", EmfPaths},
         {"wmf-many-records", WmfManyRecords},

@@ -92,8 +92,13 @@ ForceBigEndian::~ForceBigEndian() {
     if (m_on) SetByteOrderOverride(false, false);
 }
 
+QString CorpusDir() {
+    const QString dir = qEnvironmentVariable("SVGMODULE_CORPUS");
+    return dir.isEmpty() ? QStringLiteral(SVGMODULE_CORPUS_DIR) : dir;
+}
+
 QStringList CorpusFiles(const QString& folder) {
-    const QDir dir(QStringLiteral(SVGMODULE_CORPUS_DIR "/") + folder);
+    const QDir dir(CorpusDir() + QLatin1Char('/') + folder);
     QStringList out;
     for (const QString& name : dir.entryList(QDir::Files, QDir::Name))
         if (!name.endsWith(QLatin1String(".md"))) out << dir.filePath(name);

@@ -1,4 +1,4 @@
-// Shared helpers for the unit tests.
+// Shared helpers for the unit tests; brings the metafile builder.
 #ifndef SVGMODULE_TESTS_TESTUTIL_H
 #define SVGMODULE_TESTS_TESTUTIL_H
 
@@ -78,7 +78,9 @@ class ForceBigEndian {
     bool m_on;
 };
 
-// Files of the shared corpus under `folder` ("emf", "wmf", ...); empty when it is absent.
+// The corpus folder: $SVGMODULE_CORPUS, else the one the build was configured with.
+QString CorpusDir();
+// Files of the corpus under `folder` ("emf", "wmf", ...); empty when it is absent.
 QStringList CorpusFiles(const QString& folder);
 
 }  // namespace testutil

@@ -1,9 +1,12 @@
 // Hostile files convert to closed documents within the output budget and a fixed multiple of
-// their size in heap. Each family is built to 1 MiB; bench_scale --adversarial measures the
-// same files at growing sizes for time.
+// their size in heap, plus what the budgets' floors allow a small file. Each family is built
+// to 16 KiB, where the floors rule, and to 1 MiB; bench_scale --adversarial measures the same
+// files at growing sizes for time.
 #include <gtest/gtest.h>
 
 #include <QByteArray>
+#include <algorithm>
+#include <string>
 
 #include "CLogSystem.h"
 #include "svgmodule.h"
@@ -12,10 +15,13 @@
 
 namespace {
 
-const int kBytes = 1 << 20;
-// Output: at most 64 bytes for each input byte, then the closing tag. Heap: the output, the
-// path being collected and the object tables together stay under twice that.
-const long long kOutputPerByte = 64, kHeapPerByte = 128;
+const int kSizes[] = {16 << 10, 1 << 20};
+// Output: at most 64 bytes for each input byte but never less than 4 MiB, then the closing
+// tag. Heap: the output, the path being collected, the object tables and the clip regions
+// together stay under twice 64 bytes per input byte, plus 32 MiB for the floors of the output,
+// clip-region and outline budgets.
+const long long kOutputPerByte = 64, kOutputFloor = 4 << 20;
+const long long kHeapPerByte = 128, kHeapFloor = 32 << 20;
 const char kFooter[] = "</svg>\n";
 
 }  // namespace
@@ -23,18 +29,21 @@ const char kFooter[] = "</svg>\n";
 TEST(Adversarial, FilesConvertWithinBounds) {
     CLogSystem::theRootInstance->setLevel("OFF");
     for (const adversarial::Family& family : adversarial::Families()) {
-        SCOPED_TRACE(family.name);
-        const QByteArray in = family.build(kBytes);
-        QByteArray out;
-        int status = 0;
-        const long long peak = heap::Peak([&] { status = ConvertMetaFileToSVG(in, out); });
-        EXPECT_EQ(status, family.name[0] == 'w' ? 2 : 1);
-        EXPECT_LE(out.size(), kOutputPerByte * in.size() + (long long)sizeof kFooter);
-        // A walk ended by the budget drops the element it was writing: the document closes
-        // after whole elements.
-        ASSERT_TRUE(out.endsWith(kFooter));
-        const QByteArray body = out.chopped((int)sizeof kFooter - 1);
-        EXPECT_TRUE(body.trimmed().endsWith('>')) << body.right(80).constData();
-        if (heap::Available()) EXPECT_LE(peak, kHeapPerByte * in.size());
+        for (int bytes : kSizes) {
+            SCOPED_TRACE(std::string(family.name) + " " + std::to_string(bytes));
+            const QByteArray in = family.build(bytes);
+            QByteArray out;
+            int status = 0;
+            const long long peak = heap::Peak([&] { status = ConvertMetaFileToSVG(in, out); });
+            EXPECT_EQ(status, family.name[0] == 'w' ? 2 : 1);
+            const long long budget = std::max(kOutputPerByte * in.size(), kOutputFloor);
+            EXPECT_LE(out.size(), budget + (long long)sizeof kFooter);
+            // A walk ended by the budget drops the element it was writing: the document closes
+            // after whole elements.
+            ASSERT_TRUE(out.endsWith(kFooter));
+            const QByteArray body = out.chopped((int)sizeof kFooter - 1);
+            EXPECT_TRUE(body.trimmed().endsWith('>')) << body.right(80).constData();
+            if (heap::Available()) EXPECT_LE(peak, kHeapPerByte * in.size() + kHeapFloor);
+        }
     }
 }

@@ -8,9 +8,10 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
+#include "svg/SvgRepair.h"
+#include "svgmodule.h"
 #include "tests/TestUtil.h"
 #include "tools/Console.h"
-#include "tools/SvgRepair.h"
 
 namespace {
 
@@ -71,10 +72,13 @@ struct CliRun {
     QString out, err;
 };
 
-CliRun Cli(const QStringList& args, const QString& folder = QString()) {
+CliRun Cli(const QStringList& args, const QString& folder = QString(),
+           const QByteArray& input = QByteArray()) {
     QProcess process;
     if (!folder.isEmpty()) process.setWorkingDirectory(folder);
     process.start(QStringLiteral(SVGMODULE_CLI_PATH), args);
+    process.write(input);
+    process.closeWriteChannel();
     process.waitForFinished(300000);
     return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
             QString::fromUtf8(process.readAllStandardOutput()),
@@ -95,6 +99,22 @@ QByteArray Read(const QString& path) {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+// What the library's faithful mode makes of a file, repaired unless `exact`: empty when it
+// does not convert it.
+QByteArray Faithful(const QString& path, bool exact) {
+    svgmodule_options options = SVGMODULE_OPTIONS_INIT;
+    options.mode = SVGMODULE_MODE_FAITHFUL;
+    options.repairs = exact ? 0 : SVGMODULE_REPAIR_ALL;
+    QByteArray svg;
+    const int status = svgmodule_convert(Read(path), svg, &options);
+    return status == 1 || status == 2 ? svg : QByteArray();
+}
+
+bool Write(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
 class CommandLine : public ::testing::Test {
   protected:
     void SetUp() override {
@@ -108,39 +128,67 @@ class CommandLine : public ::testing::Test {
         junk.write(QByteArray(40, 'x'));
         junk.close();
         QFile::copy(examples + "example.emf", In(QStringLiteral("sub/notes.txt")));
+        QFile cut(m_dir.filePath(QStringLiteral("cut.emf")));
+        ASSERT_TRUE(cut.open(QIODevice::WriteOnly));
+        cut.write(Read(examples + "example.emf").chopped(4));
     }
     QString In(const QString& name) const { return m_dir.filePath("in/" + name); }
     QTemporaryDir m_dir;
 };
 
-TEST_F(CommandLine, UsageAndSingleFile) {
-    const QString a = In(QStringLiteral("a.emf"));
+// Usage errors, files that do not convert or cannot be read or written, and standard input
+// and output: each gives its message.
+TEST_F(CommandLine, MessagesAndSingleFile) {
+    const QString a = In(QStringLiteral("a.emf")), w = In(QStringLiteral("a.wmf"));
     const QByteArray exact = testutil::Convert(Read(a)).svg.toUtf8();
+    const QByteArray faithful = Faithful(a, false), faithfulExact = Faithful(a, true);
+    const int faithfulExit = faithful.isEmpty() ? 1 : 0;
+    const QString none = In(QStringLiteral("none.emf")), cut = In(QStringLiteral("cut.emf"));
+    ASSERT_TRUE(Write(cut, Read(a).left(1000)));
+    const QString help = QStringLiteral("; try 'metafile2svg --help'\n");
     const struct {
         QStringList args;
         int exitCode;
-        QString out, err;  // parts of standard output and error
+        QString out, err;  // parts of standard output and error (ending in "\n": its end)
+        QByteArray input = QByteArray();  // standard input
     } cases[] = {
         {{"--version"}, 0, "metafile2svg (libsvgmodule) 1.0.0\n", ""},
         {{"--help"}, 0, "--gallery <PAGE>", ""},
-        {{}, 2, "", "no input file"},
-        {{"--bogus", a}, 2, "", "Unknown option 'bogus'"},
-        {{"-j", "0", a}, 2, "", "-j takes a number from 1 to 256"},
-        {{a, a}, 2, "", "several inputs or a folder need -O DIR"},
+        {{}, 2, "", "metafile2svg: no input file" + help},
+        {{"--bogus", a}, 2, "", "metafile2svg: Unknown option 'bogus'" + help},
+        {{"-j", "0", a}, 2, "", "metafile2svg: -j takes a number from 1 to 256" + help},
+        {{a, a}, 2, "", "several inputs or a folder need -O DIR" + help},
         {{In("sub")}, 2, "", "several inputs or a folder need -O DIR"},
         {{"-o", "x.svg", "-O", "out", a}, 2, "", "-o takes one input file"},
         {{"-O", "out", a, "a.emf"}, 2, "", "would both write"},
-        {{In("none.emf")}, 1, "", "none.emf: no such file"},
-        {{In("sub/junk.emf")}, 1, "", "status -3: the WMF header was refused (not a metafile)"},
+        {{"-O", "out", "-"}, 2, "", "standard input (-) is converted alone" + help},
+        {{none}, 1, "", "metafile2svg: cannot read " + none + ": No such file or directory\n"},
+        {{In("sub/junk.emf")}, 1, "", "junk.emf: not an EMF or WMF file (status -3)\n"},
+        {{cut}, 1, "", "cut.emf: truncated EMF: the file has 1000 bytes, its header declares 3248"},
+        // A file in place of a folder: the batch stops before converting anything.
+        {{"-o", w + "/a.svg", a}, 1, "", "cannot write " + w + "/a.svg: Not a directory\n"},
+        {{"-O", w + "/o", In("")}, 1, "", "cannot write " + w + "/o: Not a directory\n"},
+        {{"-o", m_dir.path(), a}, 1, "", "cannot write " + m_dir.path() + ": Is a directory\n"},
         {{a}, 0, QString::fromUtf8(RepairSvg(exact)), ""},
         {{"--exact", a}, 0, QString::fromUtf8(exact), ""},
+        {{"--contract", a}, 0, QString::fromUtf8(RepairSvg(exact)), ""},
+        {{"--exact", "--contract", a}, 0, QString::fromUtf8(exact), ""},
+        {{"--faithful", a}, faithfulExit, QString::fromUtf8(faithful), ""},
+        {{"--faithful", "--exact", a}, faithfulExit, QString::fromUtf8(faithfulExact), ""},
+        {{"--contract", "--faithful", a}, 2, "", "--contract and --faithful exclude each other"},
+        // The library's diagnostics name the input.
+        {{"cut.emf"}, 1, "", "WARN cut.emf: SVGTool\t"},
+        {{"--exact", "-", "-o", "-"}, 0, QString::fromUtf8(exact), "", Read(a)},
+        {{"-"}, 1, "", "standard input: not an EMF or WMF file (status 0)\n", "text"},
     };
     for (const auto& c : cases) {
-        const CliRun run = Cli(c.args, m_dir.path());
+        const CliRun run = Cli(c.args, m_dir.path(), c.input);
         const std::string args = c.args.join(' ').toStdString();
         EXPECT_EQ(run.exitCode, c.exitCode) << args << "\n" << run.err.toStdString();
         EXPECT_TRUE(run.out.contains(c.out)) << args;
-        EXPECT_TRUE(run.err.contains(c.err)) << args << "\n" << run.err.toStdString();
+        EXPECT_TRUE(c.err.endsWith('\n') ? run.err.endsWith(c.err) : run.err.contains(c.err))
+            << args << "\n"
+            << run.err.toStdString();
     }
     EXPECT_NE(exact.indexOf("<svg width"), -1);
     EXPECT_EQ(Cli({"-o", m_dir.filePath("one/a.svg"), a}).exitCode, 0);
@@ -149,6 +197,11 @@ TEST_F(CommandLine, UsageAndSingleFile) {
 
 TEST_F(CommandLine, FoldersNamesSummaryAndGallery) {
     const QString out = m_dir.filePath(QStringLiteral("out"));
+    // The faithful mode writes what the library's faithful mode converts.
+    QStringList faithfulWritten;
+    for (const char* name : {"a.emf", "a.wmf"})
+        if (!Faithful(In(name), true).isEmpty()) faithfulWritten << QString(name) + ".svg";
+    const int faithfulExit = faithfulWritten.size() == 2 ? 0 : 1;
     const struct {
         QStringList args;
         int exitCode;
@@ -159,11 +212,16 @@ TEST_F(CommandLine, FoldersNamesSummaryAndGallery) {
         {{"-O", out, "-j", "3", "-r", In("")},
          1,
          {"a.emf.svg", "a.wmf.svg", "sub/b.svg"},
-         "4 files in %1 s: 3 converted\n  1 refused with status -3: the WMF header was refused"},
+         "4 files in %1 s: 3 converted\n  1 refused with status -3: not an EMF or WMF file"},
         {{"-O", out, In("a.emf"), In("sub/b.WMF"), In("none.wmf"), "--record-log", "log.txt"},
          1,
          {"a.svg", "b.svg"},
-         "3 files in %1 s: 2 converted\n  1 not found"},
+         "3 files in %1 s: 2 converted\n  1 could not be read"},
+        {{"-O", out, "-j", "2", "--faithful", "--exact", "--gallery", "page.html", In("a.emf"),
+          In("a.wmf")},
+         faithfulExit,
+         faithfulWritten,
+         "2 files in"},
     };
     for (const auto& c : cases) {
         QDir(out).removeRecursively();
@@ -174,7 +232,11 @@ TEST_F(CommandLine, FoldersNamesSummaryAndGallery) {
         QString err = run.err;
         err.replace(QRegularExpression("in [0-9.]+ s"), "in %1 s");
         EXPECT_TRUE(err.contains(c.err)) << args << "\n" << run.err.toStdString();
+        for (const QString& name : FilesUnder(out))
+            if (c.args.contains("--faithful"))
+                EXPECT_EQ(Read(out + "/" + name), Faithful(In(name.chopped(4)), true)) << args;
     }
+    EXPECT_EQ(Read(m_dir.filePath(QStringLiteral("page.html"))).count("<figure"), 2);
     // With the record log, files convert one at a time in input order: the EMF, then the WMF.
     const QByteArray log = Read(m_dir.filePath(QStringLiteral("log.txt")));
     EXPECT_GE(log.indexOf("End of File ####"), 0);
@@ -184,13 +246,18 @@ TEST_F(CommandLine, FoldersNamesSummaryAndGallery) {
     const QString page = m_dir.filePath(QStringLiteral("page.html"));
     EXPECT_EQ(Cli({"-O", out, "--gallery", page, "-r", In("")}).exitCode, 1);
     const QByteArray linked = Read(page);
-    EXPECT_TRUE(linked.contains("src=\"out/sub/b.svg\"")) << linked.left(3000).constData();
+    EXPECT_TRUE(linked.contains("href=\"out/sub/b.svg\"><img")) << linked.left(3000).constData();
     EXPECT_TRUE(
         linked.contains("<b>sub/junk.emf</b><br>40 B<br><span class=\"status\">refused, "
                         "status -3"));
-    EXPECT_EQ(Cli({"--gallery", page, In("a.emf")}).exitCode, 0);
+    // A drawing of nothing is marked empty.
+    const QString empty = m_dir.filePath(QStringLiteral("empty.emf"));
+    ASSERT_TRUE(Write(empty, mfb::Emf().build()));
+    EXPECT_EQ(Cli({"--gallery", page, In("a.emf"), empty}).exitCode, 0);
+    const QByteArray embedded = Read(page);
     const QByteArray svg = RepairSvg(testutil::Convert(Read(In("a.emf"))).svg.toUtf8());
-    EXPECT_TRUE(Read(page).contains("src=\"data:image/svg+xml;base64," + svg.toBase64()));
+    EXPECT_TRUE(embedded.contains("src=\"data:image/svg+xml;base64," + svg.toBase64()));
+    EXPECT_EQ(embedded.count("<figure class=\"empty\">"), 1);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Every real-world file of the shared corpus ends in a defined result (skipped without it).
+// Every real-world file of the corpus ends in a defined result (skipped without it).
 #include <gtest/gtest.h>
 
 #include <QByteArray>
@@ -7,7 +7,7 @@
 
 #include "svgmodule.h"
 #include "tests/TestUtil.h"
-#include "tools/SvgRepair.h"
+#include "svg/SvgRepair.h"
 
 // Intact files convert, or are refused for a size field that disagrees with the file; damaged
 // ones end in one of the status codes. A converted document is complete, and the command
@@ -31,5 +31,6 @@ TEST(Corpus, EveryFileEndsInADefinedResult) {
             EXPECT_FALSE(xml.hasError()) << name << ": " << xml.errorString().toStdString();
         }
     }
-    if (files == 0) GTEST_SKIP() << "no corpus at " SVGMODULE_CORPUS_DIR;
+    if (files == 0)
+        GTEST_SKIP() << "corpus absent: no metafiles at " << testutil::CorpusDir().toStdString();
 }

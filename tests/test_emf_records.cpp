@@ -5,7 +5,6 @@
 #include <utility>
 #include <vector>
 
-#include "tests/MetafileBuilder.h"
 #include "tests/TestUtil.h"
 
 using mfb::Bytes;
@@ -15,6 +14,7 @@ using Points = std::vector<std::pair<int, int>>;
 
 namespace {
 
+using testutil::Halved;
 using testutil::kDefaultStyle;
 using testutil::kNoPen;
 using testutil::Line;
@@ -30,19 +30,11 @@ Bytes PointList(const Points& pts, bool wide) {
     return Payload({(uint32_t)pts.size()}, pts, wide);
 }
 
-Bytes Font(uint32_t handle, int32_t height, const QString& face) {
-    Bytes b;
-    b.u32(handle).i32(height).i32(0).i32(0).i32(0).i32(700).zeros(8).utf16(face, 32);
-    return b.utf16(QStringLiteral("Full"), 64).utf16(QStringLiteral("Bold"), 32).zeros(36);
-}
-
 // Records whose fields the converter does not read (the path bracket), written without them.
 Emf& Bare(Emf& e, std::initializer_list<uint32_t> types) {
     for (uint32_t type : types) e.record(type, Bytes());
     return e;
 }
-
-using testutil::Halved;
 
 // Point lists as the writer prints them, `pts` giving each point followed by a space.
 QString Polyline(const char* pts, const QString& pen = kNoPen) {
@@ -73,7 +65,8 @@ TEST(EmfObjects, PenWidthFontHeightAndDashes) {
         .record(mfb::EMR_CREATEPEN, U32s({1, 0, 3, 99, 0xFF}))  // the width's y is unused
         // PS_USERSTYLE, width 5, red, 1000 dash entries declared and 3 present.
         .record(mfb::EMR_EXTCREATEPEN, U32s({2, 0, 0, 0, 0, 7, 5, 0, 0xFF, 0, 1000, 3, 1, 2}))
-        .record(mfb::EMR_EXTCREATEFONTINDIRECTW, Font(4, 15, QStringLiteral("Courier")))
+        .record(mfb::EMR_EXTCREATEFONTINDIRECTW,
+                Bytes().u32(4).append(mfb::LogFontW(15, 0, 700, "Courier")))
         .record(mfb::EMR_SELECTOBJECT, U32s({4}))
         .record(mfb::EMR_SETTEXTCOLOR, U32s({0x00FF0000}))
         .record(mfb::EMR_EXTTEXTOUTW,

@@ -1,4 +1,5 @@
-// Entry points: format detection, status codes, refusals and the document frame.
+// Entry points: format detection, status codes, refusals and the document frame; the bundled
+// examples.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
@@ -8,8 +9,8 @@
 #include <tuple>
 
 #include "svgmodule.h"
-#include "tests/MetafileBuilder.h"
 #include "tests/TestUtil.h"
+#include "tools/ExampleMetafiles.h"
 
 using mfb::Emf;
 using mfb::Wmf;
@@ -97,4 +98,19 @@ TEST(EntryPoints, HostCallsThePlainNamesThroughDlopen) {
     EXPECT_EQ(fromFile(file.fileName(), out), 2);
     EXPECT_EQ(QString::fromUtf8(out), testutil::EmptyDocument(1024, 768));
     dlclose(lib);
+}
+
+// The bundled examples are the generator's output and convert.
+TEST(Examples, BundledFilesMatchTheGeneratorAndConvert) {
+    const std::tuple<const char*, QByteArray, int> cases[] = {
+        {"example.emf", examples::ExampleEmf(), 1}, {"example.wmf", examples::ExampleWmf(), 2}};
+    for (const auto& [name, bytes, status] : cases) {
+        QFile file(QStringLiteral(SVGMODULE_SOURCE_DIR "/examples/") + QLatin1String(name));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << name;
+        EXPECT_EQ(file.readAll(), bytes) << name << ": regenerate with make_examples examples";
+        const auto r = Convert(bytes);
+        EXPECT_EQ(r.status, status) << name;
+        EXPECT_TRUE(r.svg.startsWith(testutil::Header(400, 450)) && r.svg.endsWith("</svg>\n"))
+            << name;
+    }
 }

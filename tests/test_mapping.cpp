@@ -2,15 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cstring>
 #include <memory>
 #include <tuple>
 
 #include "api/Logger.h"
 #include "emf/Emf2SVG.h"
-#include "tests/MetafileBuilder.h"
 #include "tests/TestUtil.h"
-#include "wmf/Wmf2SVG.h"
 
 namespace {
 
@@ -22,29 +19,16 @@ std::unique_ptr<Emf2SvgConverter> RunEmf(QByteArray file) {
     converter->ConvertEMFToSVG(reinterpret_cast<unsigned char*>(file.data()), g_Logger);
     return converter;
 }
-std::unique_ptr<WMF2SVGConverter> RunWmf(QByteArray file) {
-    auto converter = std::make_unique<WMF2SVGConverter>();
-    _PlaceableMetaHeader ph{};
-    std::memcpy(&ph, file.constData(), sizeof ph);
-    InitPlaceableMetaHeader(ph);
-    const bool placeable = ph.Key == PLACEABLE_KEY;
-    converter->InitializeCoordinates(placeable, ph);
-    converter->ConvertWMFToSVG(
-        reinterpret_cast<unsigned char*>(file.data()) + (placeable ? 40 : 18),
-        (unsigned long)file.size(), 1000, g_Logger);
-    return converter;
-}
-
 QString Text(const tagXFORM& t) {
     return QString::asprintf("%g %g %g %g %g %g", t.eM11, t.eM12, t.eM21, t.eM22, t.eDx, t.eDy);
 }
 
 }  // namespace
 
-// Without MM_ANISOTROPIC the divisors are 1. The default header's frame gives 31.25 units per
-// logical unit, which MM_ANISOTROPIC keeps until both extents of an axis are known and
-// non-zero. Lengths (withOrigin 0) round half up; positions truncate after the window and
-// picture origins are subtracted.
+// Without MM_ANISOTROPIC the divisors are 1. The default header's frame
+// gives 31.25 units per logical unit, which MM_ANISOTROPIC keeps until both
+// extents of an axis are known and non-zero. Lengths (withOrigin 0) round half
+// up; positions truncate after the window and picture origins are subtracted.
 TEST(EmfMapping, DivisorsRoundingAndOrigins) {
     using Record = std::pair<uint32_t, Bytes>;
     const auto emf = [](std::initializer_list<Record> records, Emf e = Emf()) {
@@ -69,7 +53,8 @@ TEST(EmfMapping, DivisorsRoundingAndOrigins) {
         {"position truncates", halved, 5, 1, 2, 2},
         {"negative length rounds half up", halved, -5, 0, -2, -2},
         {"negative position truncates", halved, -5, 1, -2, -2},
-        // The frame's corner matches the bounds' (40, 30): that is the picture origin.
+        // The frame's corner matches the bounds' (40, 30): that is the picture
+        // origin.
         {"window and picture origins",
          emf({mode(8), window(200, 200), viewport(100, 100), {10, Bytes().i32(100).i32(50)}},
              Emf().bounds(40, 30, 140, 130).frame(1250, 938, 4375, 4063)),
@@ -86,9 +71,10 @@ TEST(EmfMapping, DivisorsRoundingAndOrigins) {
     }
 }
 
-// MapPoint rounds each product to a float before it is added: 4097 * (1 - 2^-13) rounds to
-// 4096.5, so both coordinates come to 100. A fused multiply-add, which a compiler may emit for
-// an FMA machine (s390x, or x86 with -march=haswell), gives 99 on one axis at least.
+// MapPoint rounds each product to a float before it is added: 4097 * (1 -
+// 2^-13) rounds to 4096.5, so both coordinates come to 100. A fused
+// multiply-add, which a compiler may emit for an FMA machine (s390x, or x86
+// with -march=haswell), gives 99 on one axis at least.
 TEST(WorldTransform, MapPointRoundsEachProduct) {
     const float nearOne = 1.0f - 1.0f / 8192;
     const Bytes xform = Bytes().f32(nearOne).f32(-1).f32(-1).f32(nearOne).f32(100.5f).f32(100.5f);
@@ -99,9 +85,10 @@ TEST(WorldTransform, MapPointRoundsEachProduct) {
     EXPECT_EQ(out.y, 100);
 }
 
-// EMR_SETWORLDTRANSFORM hands the matrix (here a rotation by 90 degrees) to the writer, whose
-// modify modes follow: left and right multiplication differ for this matrix, the translation
-// is replaced rather than composed, and an unknown mode changes nothing.
+// EMR_SETWORLDTRANSFORM hands the matrix (here a rotation by 90 degrees) to the
+// writer, whose modify modes follow: left and right multiplication differ for
+// this matrix, the translation is replaced rather than composed, and an unknown
+// mode changes nothing.
 TEST(WorldTransform, SetReachesTheWriterAndModifyModesCompose) {
     const Bytes rotation = Bytes().f32(0).f32(1).f32(-1).f32(0).f32(0).f32(0);
     const auto converter = RunEmf(Emf().record(EMR_SETWORLDTRANSFORM, rotation).build());
@@ -121,11 +108,12 @@ TEST(WorldTransform, SetReachesTheWriterAndModifyModesCompose) {
     }
 }
 
-// Without a placeable header a coordinate is divided by 15 after its distance from the window
-// origin (whose y starts at 1) is cut to 16 bits; a window extent changes nothing. Placeable
-// files divide by Inch / 96 (an Inch of 0 reads as 1440) and stretch by bounding box over
-// window extent (a zero extent: by the box itself); results outside 16 bits read -32768. The
-// byte-swapped files map alike on a host that reads as big-endian.
+// Without a placeable header a coordinate is divided by 15 after its distance
+// from the window origin (whose y starts at 1) is cut to 16 bits; a window
+// extent changes nothing. Placeable files divide by Inch / 96 (an Inch of 0
+// reads as 1440) and stretch by bounding box over window extent (a zero extent:
+// by the box itself); results outside 16 bits read -32768. Seen through
+// META_LINETO, which draws from (0, 0) to the mapped point.
 TEST(WmfMapping, ScaleOriginAndWindowExtent) {
     const auto yx = [](int y, int x) { return Bytes().i16((int16_t)y).i16((int16_t)x); };
     const auto placeable = [&](int inch, int box, int extX, int extY) {
@@ -148,12 +136,8 @@ TEST(WmfMapping, ScaleOriginAndWindowExtent) {
         {"Inch 0", placeable(0, 1440, -1, -1), 1440, 96, 1440, 96},
         {"out of range", placeable(96, 30000, 1, 1), 10, -32768, 10, -32768},
     };
-    for (const auto& [what, file, xIn, x, yIn, y] : cases) {
-        for (bool swapped : {false, true}) {
-            testutil::ForceBigEndian order(swapped);
-            const auto converter = RunWmf(file.build(true, swapped));
-            EXPECT_EQ(converter->MapX(xIn), x) << what << swapped;
-            EXPECT_EQ(converter->MapY(yIn), y) << what << swapped;
-        }
-    }
+    for (auto [what, file, xIn, x, yIn, y] : cases)
+        EXPECT_EQ(testutil::BothOrders(file.record(META_LINETO, yx(yIn, xIn))),
+                  testutil::Line(0, 0, x, y))
+            << what;
 }

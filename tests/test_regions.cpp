@@ -9,7 +9,6 @@
 
 #include "geometry/RgnPathUtil.h"
 #include "svg/SVGWriter.h"
-#include "tests/MetafileBuilder.h"
 #include "tests/TestUtil.h"
 
 namespace {
@@ -85,13 +84,12 @@ std::vector<tagRECT> Strips(int n) {
 
 }  // namespace
 
+// Worked outlines. Two rectangles touching along x = 10 (seven segments, the top in two pieces)
+// are EmfRegions.FillAndFrameRecords' outline.
 TEST(RegionOutline, WorkedOutlines) {
     const std::vector<std::pair<std::vector<tagRECT>, std::string>> cases = {
         // One rectangle: its four edges.
         {{{0, 0, 10, 10}}, "0,0-10,0 0,10-10,10 0,0-0,10 10,0-10,10 "},
-        // Touching along x = 10: seven segments, the top in two pieces.
-        {{{0, 0, 10, 10}, {10, 0, 20, 5}},
-         "0,0-10,0 0,10-10,10 10,0-20,0 10,5-20,5 0,0-0,10 20,0-20,5 10,5-10,10 "},
         // Stacked with overlapping x ranges: the shared edges become their remainders.
         {{{0, 0, 10, 5}, {5, 5, 20, 10}},
          "0,0-10,0 5,10-20,10 0,5-5,5 10,5-20,5 0,0-0,5 10,0-10,5 5,5-5,10 20,5-20,10 "},
@@ -132,10 +130,16 @@ TEST(RegionOutline, SameSegmentsInTheSameOrderAsComparingEveryPair) {
 }
 
 TEST(RegionConversion, UnionAndRectanglesOfARegion) {
-    const tagRECT cases[] = {{0, 0, 10, 10}, {10, 0, 20, 10}, {INT_MIN, INT_MIN, INT_MAX, INT_MAX}};
-    EXPECT_EQ(Union(CreateQRegionFromRects(2, cases)), "0,0,20,10 ");
-    EXPECT_EQ(Union(CreateQRegionFromRects(1, cases + 2)),  // cut to 2^30 - 1
-              "-1073741823,-1073741823,1073741823,1073741823 ");
+    // Sides that fit in int keep their coordinates (but -2^31); longer ones are cut to
+    // +-(2^30 - 1).
+    const std::vector<std::pair<std::vector<tagRECT>, std::string>> unions = {
+        {{{0, 0, 10, 10}, {10, 0, 20, 10}}, "0,0,20,10 "},
+        {{{INT_MIN, INT_MIN, INT_MAX, INT_MAX}}, "-1073741823,-1073741823,1073741823,1073741823 "},
+        {{{0, INT_MIN, INT_MAX, -1}}, "0,-2147483647,2147483647,-1 "},
+        {{{INT_MIN + 5, 0, 6, 1}}, "-1073741823,0,6,1 "},
+    };
+    for (const auto& [rects, expected] : unions)
+        EXPECT_EQ(Union(CreateQRegionFromRects((int)rects.size(), rects.data())), expected);
 
     // Crossing strips: a grid of n x n rectangles, refused beyond a million.
     for (int n : {300, 1000}) {
@@ -146,8 +150,10 @@ TEST(RegionConversion, UnionAndRectanglesOfARegion) {
     }
 
     // Any list, and a list already in the region's own form (which is set directly), give
-    // the union made one rectangle at a time.
+    // the union made one rectangle at a time. A combination with the previous trial's region
+    // never makes more rectangles than its count, which takes each of the two at least once.
     std::mt19937 random(11);
+    QRegion previous;
     for (int trial = 0; trial < 3000; ++trial) {
         const int span = 3 + trial % 30;
         std::vector<tagRECT> rects((size_t)(random() % 14));
@@ -162,6 +168,11 @@ TEST(RegionConversion, UnionAndRectanglesOfARegion) {
         const int n = GetRects(oneByOne, &own);
         ASSERT_EQ(Union(CreateQRegionFromRects(n, own)), Union(oneByOne));
         delete[] own;
+        const uint64_t count = CombinationCount(previous, oneByOne, UINT64_MAX);
+        ASSERT_GE(count, (uint64_t)previous.rectCount() + oneByOne.rectCount());
+        for (const QRegion& made : {previous & oneByOne, previous | oneByOne, previous ^ oneByOne})
+            ASSERT_LE((uint64_t)made.rectCount(), count) << "trial " << trial;
+        previous = oneByOne;
     }
 }
 
@@ -234,10 +245,10 @@ TEST(EmfRegions, FillAndFrameRecords) {
 // rectangles into it unmapped, other modes leave it, and every record with region data makes
 // the result the clip. A clip path from a bracket then clips pen-styled elements too, and the
 // rectangles of a region clip defined while it is selected; the next clip path drops it first.
-// A grid of 90000 rectangles from a file of 10 kB is beyond the file's budget and skipped.
+// A grid of 360,000 rectangles from a file of 20 kB is beyond the file's budget and skipped.
 TEST(EmfRegions, ClipRegionsAccumulate) {
     std::vector<mfb::Rect> strips;
-    for (const tagRECT& r : Strips(300)) strips.push_back({r.left, r.top, r.right, r.bottom});
+    for (const tagRECT& r : Strips(600)) strips.push_back({r.left, r.top, r.right, r.bottom});
     mfb::Emf e = testutil::Halved().bounds(0, 0, 100, 50);
     e.record(mfb::EMR_EXTSELECTCLIPRGN, Clip(1, RegionData(strips)))
         .record(mfb::EMR_EXTSELECTCLIPRGN, Clip(1, RegionData({{10, 10, 30, 30}})))
@@ -275,4 +286,44 @@ TEST(EmfRegions, ClipRegionsAccumulate) {
             "<polyline points=\"1,1 2,2 \n\" " + noPen + clipped6 + "/>\n" +
             def(7, {{25, 10, 30, 20}, {0, 40, 10, 50}}, clipped6) +
             ClipDef(8, "\n<path d = \"\" " + noPen + "/>\n"));
+}
+
+// The bounds meant for hostile files cut no honest one: a file of 6 kB restating a region of
+// 101 rectangles 70 times writes more than 64 bytes of clip paths per byte, and all of them;
+// 725 rectangles (a band of 363, then 362 bands of one) intersected with the bounds are
+// combined (their bands times their widths are far above the file's budget); a clip
+// rectangle 2^31 - 1 wide keeps its width.
+TEST(EmfRegions, HonestClipsAreWrittenWhole) {
+    std::vector<mfb::Rect> strips, comb;
+    for (int i = 0; i < 100; ++i) strips.push_back({200 + 2 * i, 100, 201 + 2 * i, 101});
+    for (int i = 0; i < 363; ++i) comb.push_back({2 * i, 0, 2 * i + 1, 1});
+    for (int j = 1; j < 363; ++j) comb.push_back({0, j, 1 + j % 2, j + 1});
+    mfb::Emf restated = mfb::Emf().bounds(0, 0, 100, 50);
+    restated.record(mfb::EMR_EXTSELECTCLIPRGN, Clip(2, RegionData(strips)));
+    for (int i = 0; i < 70; ++i)
+        restated.record(mfb::EMR_EXTSELECTCLIPRGN, Clip(5, RegionData({{0, 0, 1, 1}})));
+    const struct {
+        mfb::Emf file;
+        int clips, rects, leastPerByte;
+        QString text;
+    } cases[] = {
+        {restated, 71, 71 * 101, 64, ""},
+        {mfb::Emf()
+             .bounds(0, 0, 1000, 1000)
+             .record(mfb::EMR_EXTSELECTCLIPRGN, Clip(1, RegionData(comb))),
+         1, 725, 0, ""},
+        {mfb::Emf()
+             .bounds(0, 0, 100, 50)
+             .record(mfb::EMR_EXTSELECTCLIPRGN, Clip(2, RegionData({{0, 60, INT_MAX, 70}}))),
+         1, 2, 0, R"(x="0" y="60" width="2147483647" height="10")"},
+    };
+    for (const auto& c : cases) {
+        const QByteArray in = c.file.build();
+        const testutil::Result out = testutil::Convert(in);
+        EXPECT_EQ(out.status, 1);
+        EXPECT_EQ(out.svg.count("<clipPath"), c.clips);
+        EXPECT_EQ(out.svg.count("<rect"), c.rects);
+        EXPECT_GT(out.svg.size(), c.leastPerByte * in.size());
+        EXPECT_TRUE(out.svg.contains(c.text));
+    }
 }

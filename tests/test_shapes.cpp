@@ -4,10 +4,10 @@
 
 #include <QPoint>
 #include <limits>
+#include <tuple>
 #include <vector>
 
 #include "geometry/GeometricHelpers.h"
-#include "tests/MetafileBuilder.h"
 #include "tests/TestUtil.h"
 
 using mfb::Bytes;
@@ -61,10 +61,8 @@ TEST(Geometry, PointOnEllipseAndPieAngles) {
 TEST(EmfShapes, EachRecordMapsItsOwnValues) {
     const float nan = std::numeric_limits<float>::quiet_NaN();
     const Bytes arc = I32s({0, 0, 200, 100, 200, 100, 0, 0});
-    const struct {
-        std::vector<std::pair<uint32_t, Bytes>> records;
-        const char *drawn, *halved;  // no halved run when null
-    } cases[] = {
+    // The records, what they draw, and what they draw halved (no halved run when null).
+    const std::tuple<std::vector<std::pair<uint32_t, Bytes>>, const char*, const char*> cases[] = {
         {{{mfb::EMR_RECTANGLE, I32s({10, 20, 110, 70})}},
          R"(<rect x="10" y="20" width="100" height="50" rx="0" ry="0" |)",
          R"(<rect x="-5" y="0" width="50" height="25" rx="0" ry="0" |)"},
@@ -111,13 +109,11 @@ TEST(EmfShapes, EachRecordMapsItsOwnValues) {
          R"(<path d="M150,100 a50,50 0 1,0 -50,0" |<line x1="0" y1 = "0" x2 ="150" y2="100" |)",
          nullptr},
     };
-    for (const auto& c : cases) {
-        mfb::Emf drawn, halved = testutil::Halved().record(mfb::EMR_SETWINDOWORGEX, I32s({10, 10}));
-        for (const auto& [type, payload] : c.records) {
-            drawn.record(type, payload);
-            halved.record(type, payload);
-        }
-        EXPECT_EQ(testutil::BothOrders(drawn), Out(c.drawn));
-        if (c.halved) EXPECT_EQ(testutil::BothOrders(halved), Out(c.halved));
+    for (const auto& [records, drawn, halved] : cases) {
+        mfb::Emf e, h = testutil::Halved().record(mfb::EMR_SETWINDOWORGEX, I32s({10, 10}));
+        for (const auto& [type, payload] : records)
+            e.record(type, payload), h.record(type, payload);
+        EXPECT_EQ(testutil::BothOrders(e), Out(drawn));
+        if (halved) EXPECT_EQ(testutil::BothOrders(h), Out(halved));
     }
 }

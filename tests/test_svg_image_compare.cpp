@@ -31,10 +31,7 @@ QByteArray Svg(const QByteArray& png, const char* after = "\"/>\n") {
 
 TEST(SvgImageCompare, ImagesCompareAsPixels) {
     ASSERT_NE(Png(0), Png(100));
-    const struct {
-        QByteArray other;
-        QString why;
-    } cases[] = {
+    const std::pair<QByteArray, QString> cases[] = {
         {Svg(Png(0)), ""},
         {Svg(Png(100)), ""},
         {Svg(Png(0, true)), "image 1 differs at pixel (2, 1): #80123456 against #80123457"},
@@ -43,6 +40,6 @@ TEST(SvgImageCompare, ImagesCompareAsPixels) {
         {"<svg/>", "2 images against 0"},
         {Svg("GIF89a"), "image 1 is not a PNG"},
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(svgcompare::Difference(Svg(Png(0)), c.other), c.why) << c.other.toStdString();
+    for (const auto& [other, why] : cases)
+        EXPECT_EQ(svgcompare::Difference(Svg(Png(0)), other), why) << other.toStdString();
 }

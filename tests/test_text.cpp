@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "svg/SVGWriter.h"
-#include "tests/MetafileBuilder.h"
 #include "tests/TestUtil.h"
 
 using mfb::Bytes;
@@ -83,9 +82,8 @@ TEST(TextRun, EncodesAsQStringDoes) {
 // with the font, exactly at right angles; a font turned by an odd number of right angles swaps
 // the rectangle's width and height. Unknown alignments leave the point.
 TEST(TextOutput, ReferencePointFollowsAlignmentAndRotation) {
-    const struct {
-        int align, escapement, x, y;  // escapement in degrees
-    } cases[] = {
+    const int cases[][4] = {
+        // Alignment, escapement in degrees, the point.
         {0, 0, 100, 63},  {256, 0, 100, 63}, {24, 0, 100, 50}, {6, 0, 80, 63},    {2, 0, 59, 63},
         {258, 0, 59, 63}, {8, 0, 100, 47},   {10, 0, 59, 47},  {14, 0, 80, 47},   {26, 0, 59, 50},
         {30, 0, 80, 50},  {262, 0, 100, 50}, {1, 0, 100, 50},  {0, 90, 62, 50},   {0, -90, 138, 50},
@@ -94,12 +92,12 @@ TEST(TextOutput, ReferencePointFollowsAlignmentAndRotation) {
     for (const auto& c : cases) {
         CMySVGWriter w;
         tagLOGFONTW font{};
-        font.lfEscapement = -10 * c.escapement;
+        font.lfEscapement = -10 * c[1];
         w.CreateFont(1, font);
-        w.SetTextAlign(c.align);
+        w.SetTextAlign(c[0]);
         tagPOINT p{100, 50};
         w.GetPointOfReference(p, tagRECT{0, 0, 41, 16});
-        EXPECT_EQ(QPoint(p.x, p.y), QPoint(c.x, c.y)) << c.align << " " << c.escapement;
+        EXPECT_EQ(QPoint(p.x, p.y), QPoint(c[2], c[3])) << c[0] << " " << c[1];
     }
 }
 
@@ -108,10 +106,7 @@ TEST(TextOutput, ReferencePointFollowsAlignmentAndRotation) {
 TEST(EmfText, RecordsDrawTheirCharacters) {
     const QString courier = " font-family=\"Courier\"  font-weight=\"400\" \n fill=\"#00ff00\" ";
     const QString turned = "<g transform=\"rotate(-90 137 50)\">";
-    const struct {
-        std::vector<std::pair<uint32_t, Bytes>> records;
-        QString expected;
-    } cases[] = {
+    const std::pair<std::vector<std::pair<uint32_t, Bytes>>, QString> cases[] = {
         // Bottom alignment lifts the point by the descent. The window origin is subtracted;
         // once a viewport origin is set, it is added after scaling instead.
         {{{mfb::EMR_SETTEXTALIGN, U32s({8})},
@@ -152,10 +147,10 @@ TEST(EmfText, RecordsDrawTheirCharacters) {
          Box(0, 0, "#ff0000") + turned + T(137, 50, "Hi", kEmf, courier, 20) + "</g>" + turned +
              T(137, 50, "Hi", kEmf, courier, 20) + "</g>"},
     };
-    for (const auto& c : cases) {
+    for (const auto& [records, expected] : cases) {
         mfb::Emf e;
-        for (const auto& [type, payload] : c.records) e.record(type, payload);
-        EXPECT_EQ(testutil::BothOrders(e), c.expected);
+        for (const auto& [type, payload] : records) e.record(type, payload);
+        EXPECT_EQ(testutil::BothOrders(e), expected);
     }
 }
 

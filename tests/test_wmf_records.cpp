@@ -2,10 +2,11 @@
 // malformed counts; every file converts alike in both byte orders.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "byteorder/RecordReader.h"
 #include "byteorder/WmfNormalisers.h"
 #include "style/StyleMgr.h"
-#include "tests/MetafileBuilder.h"
 #include "tests/TestUtil.h"
 
 using namespace mfb;
@@ -126,12 +127,7 @@ TEST(WmfDrawing, RecordsMapToWriterElementsWithCountsClipped) {
     const QString polyline = "\n\" " + QString(testutil::kNoPen) + "/>\n";
     const QString polygon = "\n\" " + kStyle;
     const QString path = "\" fill-rule=\"evenodd\"" + kStyle;
-    const struct {
-        const char* name;
-        uint16_t function;
-        Bytes params;
-        QString body;
-    } cases[] = {
+    const std::tuple<const char*, uint16_t, Bytes, QString> cases[] = {
         {"line", META_LINETO, YX(300, 301), Line(10, 10, 20, 20)},
         {"rectangle", META_RECTANGLE, Edges(0, 16, 150, 151),
          R"(<rect x="0" y="1" width="10" height="9" rx="0" ry="0" )" + kStyle},
@@ -160,12 +156,12 @@ TEST(WmfDrawing, RecordsMapToWriterElementsWithCountsClipped) {
          "<path d=\" M0,0  L10,0  Z M20,20  Z" + path},
         {"counts past the end", META_POLYPOLYGON, Bytes().u16(40).u16(3), QString()},
     };
-    for (const auto& c : cases) {
+    for (const auto& [name, function, params, body] : cases) {
         Wmf file;
         file.record(META_MOVETO, YX(150, 151))
-            .record(c.function, c.params)
+            .record(function, params)
             .record(META_MOVETO, YX(0x0707, 0x0707));
-        EXPECT_EQ(BothOrders(file), c.body) << c.name;
+        EXPECT_EQ(BothOrders(file), body) << name;
     }
 }
 

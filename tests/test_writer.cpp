@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <functional>
+#include <iterator>
 #include <tuple>
 #include <vector>
 
@@ -24,81 +25,78 @@ const tagPOINT kP[] = {{0, 0}, {5, 0}, {5, 5}, {1, 2}, {3, 4}, {999, 999}};
 
 }  // namespace
 
+// Each case draws on a fresh writer.
 TEST(WriterOutput, PathsCurvesAndClips) {
     const QByteArray red(" stroke=\"red\" ");
     const QString rect = R"(<rect x="1" y="2" width="3" height="4" rx="5" ry="6" )";
-    const std::vector<std::tuple<const char*, std::function<void(CMySVGWriter&)>, QString>> cases =
-        {
-            {"line-to, poly-line-to and poly-Bézier-to move the current position, to the last "
-             "point "
-             "of the list; a poly-Bézier does not; one or two points short of a curve are not "
-             "drawn",
-             [](CMySVGWriter& w) {
-                 const tagPOINTS p[] = {{5, 5}, {9, -32768}};
-                 const tagPOINTS q[] = {{4, 5}, {6, 7}, {8, -9}, {1, 1},
-                                        {2, 2}, {3, 3}, {7, 7},  {9, 9}};
-                 w.MoveTo(3, 4);
-                 w.DrawPolyLine(p, 2, false, true, kRed);
-                 w.DrawLineTo(-1, 5, kRed);
-                 w.DrawPolyBeziers(kP, 5, false, kRed);
-                 w.DrawPolyBeziers(q, 8, true, QByteArray());
-                 w.DrawLineTo(0, 0, kRed);
-             },
-             "<polyline points=\"5,5 9,-32768 \n\" " + kPen + "/>\n" + Line(3, 4, 5, 5) +
-                 Line(9, -32768, -1, 5, kRed) + R"(<path d="M0,0 C5,0 5,5 1,2"  stroke="red"/>)" +
-                 "\n<path d=\"M-1,5 C4,5 6,7 8,-9C1,1 2,2 3,3\" " + kDefaultStyle + "/>\n" +
-                 Line(9, 9, 0, 0, kRed)},
-            {"rect takes the clip only while a clip path is selected and the style has none",
-             [&](CMySVGWriter& w) {
-                 w.SetExtClipRgn(0, nullptr);  // a region clip: in the current style only
-                 w.DrawRect(1, 2, 3, 4, red, 5, 6);
-                 w.SelectClipPath(0);  // its outline keeps the region clip of the pen style
-                 w.DrawRect(1, 2, 3, 4, red, 5, 6);
-                 w.DrawRect(1, 2, 3, 4, QByteArray(" clip-path=\"url(#X)\" "), 5, 6);
-                 w.StartPath();  // drops the clip
-                 w.DrawRect(1, 2, 3, 4, red, 5, 6);
-             },
-             "\n<defs><clipPath id= \"ClPath1\"></clipPath></defs>" + rect +
-                 " stroke=\"red\" />\n" + "\n<defs><clipPath id= \"ClPath2\">\n<path d = \"\" " +
-                 kPen + R"x(clip-path="url(#ClPath1)"/>)x" + "\n</clipPath></defs>" + rect +
-                 R"x( stroke="red" clip-path="url(#ClPath2)"/>)x" + "\n" + rect +
-                 R"x( clip-path="url(#X)" />)x" + "\n" + rect + " stroke=\"red\" />\n"},
-            {"bracket data waits for a fill, a second fill has none; curves and close figure",
-             [](CMySVGWriter& w) {
-                 const tagPOINT p[] = {{3, 7}, {1, 2}, {3, 4}, {5, 6}};
-                 w.StartPath();
-                 w.DrawPolyLine(kP, 1, false, true, kRed);
-                 w.EndPath();
-                 w.StartPath();
-                 w.DrawPolyLine(kP + 1, 2, true, false, kRed);
-                 w.FillPath();
-                 w.FillPath();
-                 w.DrawPolyBeziers(p, 4, false, kRed);
-                 w.DrawPolyBeziers(p + 1, 3, true, kRed);  // the figure still starts at (3, 7)
-                 w.CloseFigure();
-                 w.CloseFigure();
-                 w.StrokePath();  // the default pen: one space after the quote
-             },
-             "\n<path d = \" M0,0  Z M5,0  L5,5  Z" + kBrush + "/>\n\n<path d = \"" + kBrush +
-                 "/>\n\n<path d = \"M3,7 C1,2 3,4 5,6M0,0 C1,2 3,4 5,6 L3,7  L0,7 \" " + kPen +
-                 "/>\n"},
-            {"no points: elements without a connecting line, no move, no figure start",
-             [](CMySVGWriter& w) {
-                 w.MoveTo(7, 8);
-                 w.DrawPolyLine(kP, 0, false, true, kRed);
-                 w.DrawPolyLine(static_cast<const tagPOINTS*>(nullptr), 5, true, true, kRed);
-                 w.DrawPolyBeziers(kP, 0, true, kRed);
-                 w.DrawLineTo(0, 0, kRed);
-                 w.CloseFigure();
-                 w.StrokePath();
-             },
-             "<polyline points=\"\n\" " + kPen + "/>\n<polygon points=\"\n\"  stroke=\"red\"/>\n" +
-                 Line(7, 8, 0, 0, kRed) + "\n<path d = \" L0,0 \" " + kPen + "/>\n"},
-        };
-    for (const auto& [name, draw, expected] : cases) {
+    const std::pair<std::function<void(CMySVGWriter&)>, QString> cases[] = {
+        // Line-to, poly-line-to and poly-Bézier-to move the current position, to the last point
+        // of the list; a poly-Bézier does not; one or two points short of a curve are not drawn.
+        {[](CMySVGWriter& w) {
+             const tagPOINTS p[] = {{5, 5}, {9, -32768}};
+             const tagPOINTS q[] = {{4, 5}, {6, 7}, {8, -9}, {1, 1},
+                                    {2, 2}, {3, 3}, {7, 7},  {9, 9}};
+             w.MoveTo(3, 4);
+             w.DrawPolyLine(p, 2, false, true, kRed);
+             w.DrawLineTo(-1, 5, kRed);
+             w.DrawPolyBeziers(kP, 5, false, kRed);
+             w.DrawPolyBeziers(q, 8, true, QByteArray());
+             w.DrawLineTo(0, 0, kRed);
+         },
+         "<polyline points=\"5,5 9,-32768 \n\" " + kPen + "/>\n" + Line(3, 4, 5, 5) +
+             Line(9, -32768, -1, 5, kRed) + R"(<path d="M0,0 C5,0 5,5 1,2"  stroke="red"/>)" +
+             "\n<path d=\"M-1,5 C4,5 6,7 8,-9C1,1 2,2 3,3\" " + kDefaultStyle + "/>\n" +
+             Line(9, 9, 0, 0, kRed)},
+        // A rect takes the clip only while a clip path is selected and the style has none.
+        {[&](CMySVGWriter& w) {
+             w.SetExtClipRgn(0, nullptr);  // a region clip: in the current style only
+             w.DrawRect(1, 2, 3, 4, red, 5, 6);
+             w.SelectClipPath(0);  // its outline keeps the region clip of the pen style
+             w.DrawRect(1, 2, 3, 4, red, 5, 6);
+             w.DrawRect(1, 2, 3, 4, QByteArray(" clip-path=\"url(#X)\" "), 5, 6);
+             w.StartPath();  // drops the clip
+             w.DrawRect(1, 2, 3, 4, red, 5, 6);
+         },
+         "\n<defs><clipPath id= \"ClPath1\"></clipPath></defs>" + rect + " stroke=\"red\" />\n" +
+             "\n<defs><clipPath id= \"ClPath2\">\n<path d = \"\" " + kPen +
+             R"x(clip-path="url(#ClPath1)"/>)x" + "\n</clipPath></defs>" + rect +
+             R"x( stroke="red" clip-path="url(#ClPath2)"/>)x" + "\n" + rect +
+             R"x( clip-path="url(#X)" />)x" + "\n" + rect + " stroke=\"red\" />\n"},
+        // Bracket data waits for a fill, a second fill has none; curves and close figure.
+        {[](CMySVGWriter& w) {
+             const tagPOINT p[] = {{3, 7}, {1, 2}, {3, 4}, {5, 6}};
+             w.StartPath();
+             w.DrawPolyLine(kP, 1, false, true, kRed);
+             w.EndPath();
+             w.StartPath();
+             w.DrawPolyLine(kP + 1, 2, true, false, kRed);
+             w.FillPath();
+             w.FillPath();
+             w.DrawPolyBeziers(p, 4, false, kRed);
+             w.DrawPolyBeziers(p + 1, 3, true, kRed);  // the figure still starts at (3, 7)
+             w.CloseFigure();
+             w.CloseFigure();
+             w.StrokePath();  // the default pen: one space after the quote
+         },
+         "\n<path d = \" M0,0  Z M5,0  L5,5  Z" + kBrush + "/>\n\n<path d = \"" + kBrush +
+             "/>\n\n<path d = \"M3,7 C1,2 3,4 5,6M0,0 C1,2 3,4 5,6 L3,7  L0,7 \" " + kPen + "/>\n"},
+        // No points: elements without a connecting line, no move, no figure start.
+        {[](CMySVGWriter& w) {
+             w.MoveTo(7, 8);
+             w.DrawPolyLine(kP, 0, false, true, kRed);
+             w.DrawPolyLine(static_cast<const tagPOINTS*>(nullptr), 5, true, true, kRed);
+             w.DrawPolyBeziers(kP, 0, true, kRed);
+             w.DrawLineTo(0, 0, kRed);
+             w.CloseFigure();
+             w.StrokePath();
+         },
+         "<polyline points=\"\n\" " + kPen + "/>\n<polygon points=\"\n\"  stroke=\"red\"/>\n" +
+             Line(7, 8, 0, 0, kRed) + "\n<path d = \" L0,0 \" " + kPen + "/>\n"},
+    };
+    for (size_t i = 0; i < std::size(cases); ++i) {
         CMySVGWriter w;
-        draw(w);
-        EXPECT_EQ(w.GetSVGOutput(), expected) << name;
+        cases[i].first(w);
+        EXPECT_EQ(w.GetSVGOutput(), cases[i].second) << "case " << i;
     }
 }
 

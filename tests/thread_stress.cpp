@@ -1,5 +1,6 @@
-// Conversions on many threads at once give what one conversion alone gives, with the record log
-// off, on, and switched meanwhile; the log holds every line of every conversion once and whole.
+// Conversions on many threads at once give what one conversion alone gives, in both modes, with
+// the record log off, on, and switched meanwhile; the log holds every line of every conversion
+// once and whole.
 // Built on its own so that a ThreadSanitizer build needs only the library and this program.
 #include <gtest/gtest.h>
 
@@ -10,6 +11,7 @@
 #include <QTemporaryDir>
 #include <atomic>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <map>
@@ -35,16 +37,14 @@ struct Input {
     QByteArray bytes;
 };
 
-struct Result {
-    QByteArray digest;  // of the status and the document
-    std::string log;
-};
-
-// Each entry of a record log (a whole banner or a record name's line) with its count. A line
-// landing inside a banner, or two lines run together, leave entries no conversion writes.
+// Each entry of the record log at `path` (a whole banner or a record name's line) with its
+// count. A line landing inside a banner, or two lines run together, leave entries no conversion
+// writes.
 using Entries = std::map<std::string, int>;
 
-Entries SplitLog(const std::string& log) {
+Entries LogEntries(const QString& path) {
+    QFile file(path);
+    const std::string log = file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : "";
     Entries entries;
     for (size_t pos = 0; pos < log.size();) {
         size_t end = log.find('\n', pos);
@@ -57,23 +57,22 @@ Entries SplitLog(const std::string& log) {
     return entries;
 }
 
-std::string ReadFile(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : std::string();
+// The corpus folder: $SVGMODULE_CORPUS, else the one the build was configured with.
+std::string CorpusDir() {
+    const char* dir = std::getenv("SVGMODULE_CORPUS");
+    return dir && *dir ? dir : SVGMODULE_CORPUS_DIR;
 }
 
-// The corpus's metafiles (none when it is absent) and the bundled examples.
-std::vector<Input> Inputs() {
+// The metafiles under `folder` and its subfolders (none when it is absent).
+std::vector<Input> Inputs(const std::string& folder) {
     std::vector<Input> inputs;
-    for (const char* folder : {SVGMODULE_CORPUS_DIR, SVGMODULE_SOURCE_DIR "/examples"}) {
-        QDirIterator it(QString::fromUtf8(folder),
-                        {QStringLiteral("*.emf"), QStringLiteral("*.wmf")}, QDir::Files,
-                        QDirIterator::Subdirectories);
-        while (it.hasNext()) {
-            QFile file(it.next());
-            if (file.open(QIODevice::ReadOnly))
-                inputs.push_back({file.fileName().toStdString(), file.readAll()});
-        }
+    QDirIterator it(QString::fromStdString(folder),
+                    {QStringLiteral("*.emf"), QStringLiteral("*.wmf")}, QDir::Files,
+                    QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        QFile file(it.next());
+        if (file.open(QIODevice::ReadOnly))
+            inputs.push_back({file.fileName().toStdString(), file.readAll()});
     }
     return inputs;
 }
@@ -81,19 +80,21 @@ std::vector<Input> Inputs() {
 // Converts from the state a fresh thread starts in. A monochrome bitmap left pending at the end
 // of one call masks a bitmap of the next call on the same thread, so without this the order in
 // which a thread takes its files could change an output.
-QByteArray Convert(const Input& input) {
+QByteArray Convert(const Input& input, int mode) {
     dib::PendingMask() = QImage();
     QByteArray svg;
+    svgmodule_options options = SVGMODULE_OPTIONS_INIT;
+    options.mode = mode;
     QCryptographicHash digest(QCryptographicHash::Sha1);
-    digest.addData(QByteArray::number(ConvertMetaFileToSVG(input.bytes, svg)) + ' ');
+    digest.addData(QByteArray::number(svgmodule_convert(input.bytes, svg, &options)) + ' ');
     digest.addData(svg);
     return digest.result();
 }
 
 // Converts every input `kPasses` times on kThreads threads, each taking the next job from one
 // shared counter, while the calling thread runs `meanwhile` over and over; returns the digest of
-// each job's result.
-std::vector<QByteArray> RunConcurrently(const std::vector<Input>& inputs,
+// each job's result (of its status and document).
+std::vector<QByteArray> RunConcurrently(const std::vector<Input>& inputs, int mode,
                                         const std::function<void()>& meanwhile = {}) {
     std::vector<QByteArray> digests(inputs.size() * kPasses);
     std::atomic<size_t> next{0};
@@ -102,7 +103,7 @@ std::vector<QByteArray> RunConcurrently(const std::vector<Input>& inputs,
     for (int t = 0; t < kThreads; ++t)
         threads.emplace_back([&] {
             for (size_t job; (job = next++) < digests.size();)
-                digests[job] = Convert(inputs[job % inputs.size()]);
+                digests[job] = Convert(inputs[job % inputs.size()], mode);
             --running;
         });
     while (meanwhile && running > 0) meanwhile();
@@ -112,19 +113,18 @@ std::vector<QByteArray> RunConcurrently(const std::vector<Input>& inputs,
 
 // The inputs whose result in some job differed from the reference.
 std::vector<std::string> Mismatches(const std::vector<Input>& inputs,
-                                    const std::vector<Result>& reference,
+                                    const std::vector<QByteArray>& reference,
                                     const std::vector<QByteArray>& digests) {
     std::vector<std::string> out;
     for (size_t job = 0; job < digests.size(); ++job)
-        if (digests[job] != reference[job % inputs.size()].digest)
+        if (digests[job] != reference[job % inputs.size()])
             out.push_back(inputs[job % inputs.size()].name);
     return out;
 }
 
-}  // namespace
-
-TEST(Threads, ConcurrentConversionsMatchOneAtATime) {
-    const std::vector<Input> inputs = Inputs();
+// The contract mode, with the record log off, on and switched meanwhile.
+void ContractMatchesOneAtATime(const std::vector<Input>& inputs) {
+    const int mode = SVGMODULE_MODE_CONTRACT;
     ASSERT_GE(inputs.size(), 2u);
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("records.txt"));
@@ -132,29 +132,28 @@ TEST(Threads, ConcurrentConversionsMatchOneAtATime) {
 
     // First on many threads, so that what the library and Qt set up on first use is set up
     // by calls racing each other; checked once the reference is known.
-    const std::vector<QByteArray> first = RunConcurrently(inputs);
+    const std::vector<QByteArray> first = RunConcurrently(inputs, mode);
 
-    // The reference: one conversion at a time, each with a record log of its own.
-    std::vector<Result> reference;
+    // The reference: one conversion at a time, each with a record log of its own, whose entries
+    // every concurrent run with the log on must write kPasses times.
+    std::vector<QByteArray> reference;
+    Entries expected;
     for (const Input& input : inputs) {
         QFile::remove(path);
         EnableLogging(true, path);
-        reference.push_back({Convert(input), std::string()});
+        reference.push_back(Convert(input, mode));
         EnableLogging(false, QString());
-        reference.back().log = ReadFile(path);
+        for (const auto& entry : LogEntries(path)) expected[entry.first] += entry.second * kPasses;
     }
-    Entries expected;
-    for (const Result& r : reference)
-        for (const auto& entry : SplitLog(r.log)) expected[entry.first] += entry.second * kPasses;
     EXPECT_TRUE(expected.count(kBanners[0]) && expected.count(kBanners[2])) << "no record log";
 
     EXPECT_EQ(Mismatches(inputs, reference, first), none);
 
     QFile::remove(path);
     EnableLogging(true, path);
-    EXPECT_EQ(Mismatches(inputs, reference, RunConcurrently(inputs)), none);
+    EXPECT_EQ(Mismatches(inputs, reference, RunConcurrently(inputs, mode)), none);
     EnableLogging(false, QString());
-    EXPECT_EQ(SplitLog(ReadFile(path)), expected);
+    EXPECT_EQ(LogEntries(path), expected);
 
     // Switching the log between two files and off while others convert: the documents stay the
     // same, and whatever reaches either file is made of whole entries.
@@ -164,9 +163,35 @@ TEST(Threads, ConcurrentConversionsMatchOneAtATime) {
         EnableLogging(true, other);
         EnableLogging(false, QString());
     };
-    EXPECT_EQ(Mismatches(inputs, reference, RunConcurrently(inputs, switching)), none);
+    EXPECT_EQ(Mismatches(inputs, reference, RunConcurrently(inputs, mode, switching)), none);
     for (const QString& log : {path, other})
-        for (const auto& entry : SplitLog(ReadFile(log)))
+        for (const auto& entry : LogEntries(log))
             EXPECT_EQ(expected.count(entry.first), 1u) << entry.first;
     std::printf("%zu files, %d passes on %d threads\n", inputs.size(), kPasses, kThreads);
+}
+
+// The faithful mode keeps no record log; its documents must not depend on the threads either.
+void FaithfulMatchesOneAtATime(const std::vector<Input>& inputs) {
+    const int mode = SVGMODULE_MODE_FAITHFUL;
+    const std::vector<QByteArray> first = RunConcurrently(inputs, mode);
+    std::vector<QByteArray> reference;
+    for (const Input& input : inputs) reference.push_back(Convert(input, mode));
+    const std::vector<std::string> none;
+    EXPECT_EQ(Mismatches(inputs, reference, first), none);
+    EXPECT_EQ(Mismatches(inputs, reference, RunConcurrently(inputs, mode)), none);
+}
+
+}  // namespace
+
+TEST(Threads, ExamplesOnManyThreadsMatchOneAtATime) {
+    const std::vector<Input> inputs = Inputs(SVGMODULE_SOURCE_DIR "/examples");
+    ContractMatchesOneAtATime(inputs);
+    FaithfulMatchesOneAtATime(inputs);
+}
+
+TEST(Threads, CorpusOnManyThreadsMatchesOneAtATime) {
+    const std::vector<Input> inputs = Inputs(CorpusDir());
+    if (inputs.empty()) GTEST_SKIP() << "corpus absent: no metafiles at " << CorpusDir();
+    ContractMatchesOneAtATime(inputs);
+    FaithfulMatchesOneAtATime(inputs);
 }

@@ -5,16 +5,20 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
+#include <QTemporaryFile>
+#include <QXmlStreamReader>
 #include <algorithm>
 #include <atomic>
 #include <condition_variable>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
 #include <map>
 #include <mutex>
 #include <system_error>
 #include <thread>
 
 #include "Console.h"
-#include "SvgRepair.h"
 #include "svgmodule.h"
 
 const char* StatusMeaning(int status) {
@@ -30,35 +34,138 @@ const char* StatusMeaning(int status) {
         case -2:
             return "the EMF header's byte count differs from the file size";
         case -3:
-            return "the WMF header was refused (not a metafile)";
+            return "the WMF header was refused";
         default:
             return "unknown status";
     }
 }
 
-JobResult ConvertFile(const QString& input, bool exact) {
+namespace {
+
+uint32_t Le32(const QByteArray& bytes, int at) {
+    const auto* p = reinterpret_cast<const unsigned char*>(bytes.constData()) + at;
+    return p[0] | p[1] << 8 | p[2] << 16 | (uint32_t)p[3] << 24;
+}
+
+// The system's reason for a file's last error.
+std::string Reason(const QFile& file) {
+    return file.errorString().toLocal8Bit().toStdString();
+}
+
+// Reads a file, or standard input for "-"; false with the system's reason when it cannot.
+bool ReadInput(const QString& input, QByteArray* bytes, std::string* error) {
+    QFile file(input);
+    const bool open = input == QLatin1String("-") ? file.open(stdin, QIODevice::ReadOnly)
+                                                  : file.open(QIODevice::ReadOnly);
+    if (open) *bytes = file.readAll();
+    if (open && file.error() == QFileDevice::NoError) return true;
+    *error = Reason(file);
+    return false;
+}
+
+}  // namespace
+
+void Diagnose(const QByteArray& bytes, int status, JobResult* result) {
+    const qint64 size = bytes.size();
+    const uint32_t kPlaceableKey = 0x9AC6CDD7, kEmfHeaderSize = 88;
+    result->detail.clear();
+    result->reason = StatusMeaning(status);
+    if (status == -1) return;
+    if (size == 0) {
+        result->reason = "empty file";
+    } else if (size >= 44 && bytes.mid(40, 4) == " EMF") {
+        // The header's byte count, once the file is long enough to hold it.
+        const qint64 declared = size >= 52 ? Le32(bytes, 48) : kEmfHeaderSize;
+        if (size < std::max<qint64>(declared, kEmfHeaderSize)) {
+            result->reason = "truncated EMF";
+            result->detail = "the file has " + std::to_string(size) +
+                             " bytes, its header declares " +
+                             std::to_string(std::max<qint64>(declared, kEmfHeaderSize));
+        } else if (declared != size) {
+            result->detail = "the header declares " + std::to_string(declared) +
+                             " bytes, the file has " + std::to_string(size);
+        }
+    } else if (size >= 4 && Le32(bytes, 0) == kPlaceableKey) {
+        // A placeable header: a WMF whose own header was refused.
+    } else if (size < 18 || ((Le32(bytes, 0) & 0xffff) != 1 && (Le32(bytes, 0) & 0xffff) != 2) ||
+               Le32(bytes, 0) >> 16 != 9) {
+        result->reason = "not an EMF or WMF file";
+    }
+}
+
+JobResult ConvertFile(const QString& input, const BatchOptions& options) {
     JobResult result;
-    const QFileInfo info(input);
-    if (!info.isFile()) return result;
-    result.inputSize = info.size();
-    result.status = WMFToSVG(input, result.svg);
+    QByteArray bytes;
+    if (!ReadInput(input, &bytes, &result.reason)) return result;
+    result.inputSize = bytes.size();
+    const QByteArray name = input.toLocal8Bit();
+    svgmodule_options convert = SVGMODULE_OPTIONS_INIT;
+    convert.mode = options.mode;
+    convert.repairs = options.exact ? 0 : SVGMODULE_REPAIR_ALL;
+    convert.diagnostic_name = name.constData();
+    result.status = svgmodule_convert(bytes, result.svg, &convert);
     if (result.status != 1 && result.status != 2) {
         result.outcome = JobResult::Refused;
         result.svg.clear();
+        Diagnose(bytes, result.status, &result);
         return result;
     }
     result.outcome = JobResult::Converted;
-    if (!exact) result.svg = RepairSvg(result.svg);
     result.svgSize = result.svg.size();
     return result;
 }
 
-bool WriteFile(const QString& path, const QByteArray& data) {
-    const QString folder = QFileInfo(path).path();
-    if (!QDir().mkpath(folder)) return false;
+namespace {
+
+// Creates a folder and its parents; false with the system's reason when it cannot.
+bool MakeFolder(const QString& folder, std::string* error) {
+    std::error_code code;
+    std::filesystem::create_directories(QFile::encodeName(folder).toStdString(), code);
+    if (code && error) *error = code.message();
+    return !code;
+}
+
+}  // namespace
+
+bool WriteFile(const QString& path, const QByteArray& data, std::string* error) {
+    if (!MakeFolder(QFileInfo(path).path(), error)) return false;
     QFile file(path);
-    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
-           file.write(data) == data.size() && file.flush();
+    if (file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(data) == data.size() &&
+        file.flush())
+        return true;
+    if (error) *error = Reason(file);
+    return false;
+}
+
+std::string CheckFolder(const QString& folder) {
+    std::string error;
+    if (!MakeFolder(folder, &error)) return error;
+    QTemporaryFile probe(QDir(folder).filePath(QStringLiteral(".metafile2svg-XXXXXX")));
+    return probe.open() ? std::string() : probe.errorString().toLocal8Bit().toStdString();
+}
+
+bool DrawsAnything(const QByteArray& svg) {
+    // Elements that render, and those whose content renders only where it is referenced.
+    static const QStringList drawing = {"path",     "rect",    "circle", "ellipse", "line",
+                                        "polyline", "polygon", "text",   "image",   "use"};
+    static const QStringList definitions = {"defs",    "clipPath",       "mask",
+                                            "pattern", "marker",         "symbol",
+                                            "filter",  "linearGradient", "radialGradient"};
+    QXmlStreamReader xml(svg);
+    int hidden = 0;  // depth inside definitions
+    while (!xml.atEnd()) {
+        const QXmlStreamReader::TokenType token = xml.readNext();
+        const QString name = xml.name().toString();
+        if (token == QXmlStreamReader::StartElement) {
+            if (definitions.contains(name))
+                ++hidden;
+            else if (hidden == 0 && drawing.contains(name))
+                return true;
+        } else if (token == QXmlStreamReader::EndElement && definitions.contains(name)) {
+            --hidden;
+        }
+    }
+    return xml.hasError();  // a document that does not parse is for the viewer to judge
 }
 
 namespace {
@@ -97,9 +204,11 @@ QString FindCollision(const std::vector<Job>& jobs, std::vector<bool>* shared) {
 JobResult RunJob(const Job& job, const BatchOptions& options) {
     JobResult result;
     try {
-        result = ConvertFile(job.input, options.exact);
+        result = ConvertFile(job.input, options);
+        if (result.outcome == JobResult::Converted && options.findEmpty)
+            result.empty = !DrawsAnything(result.svg);
         if (result.outcome == JobResult::Converted && !job.output.isEmpty() &&
-            !WriteFile(job.output, result.svg))
+            !WriteFile(job.output, result.svg, &result.reason))
             result.outcome = JobResult::NotWritten;
     } catch (...) {  // out of memory: the file counts as ended by an exception
         result.outcome = JobResult::Refused;
@@ -194,27 +303,30 @@ std::vector<JobResult> RunJobs(const std::vector<Job>& jobs, const BatchOptions&
 }
 
 std::string FailureMessage(const Job& job, const JobResult& result) {
-    const std::string input = job.input.toLocal8Bit().toStdString();
+    const std::string input =
+        job.input == QLatin1String("-") ? "standard input" : job.input.toLocal8Bit().toStdString();
     switch (result.outcome) {
         case JobResult::Converted:
             return std::string();
         case JobResult::Refused:
-            return "metafile2svg: " + input + ": status " + std::to_string(result.status) + ": " +
-                   StatusMeaning(result.status);
+            return "metafile2svg: " + input + ": " + result.reason +
+                   (result.detail.empty() ? "" : ": " + result.detail) + " (status " +
+                   std::to_string(result.status) + ")";
         case JobResult::Missing:
-            return "metafile2svg: " + input + ": no such file";
+            return "metafile2svg: cannot read " + input + ": " + result.reason;
         case JobResult::NotWritten:
             break;
     }
-    return "metafile2svg: cannot write " + job.output.toLocal8Bit().toStdString();
+    return "metafile2svg: cannot write " + job.output.toLocal8Bit().toStdString() + ": " +
+           result.reason;
 }
 
 std::string Summary(const std::vector<JobResult>& results, double seconds) {
     size_t converted = 0, missing = 0, unwritten = 0;
-    std::map<int, size_t> refused;
+    std::map<std::pair<int, std::string>, size_t> refused;
     for (const JobResult& r : results) {
         if (r.outcome == JobResult::Converted) ++converted;
-        if (r.outcome == JobResult::Refused) ++refused[r.status];
+        if (r.outcome == JobResult::Refused) ++refused[{r.status, r.reason}];
         if (r.outcome == JobResult::Missing) ++missing;
         if (r.outcome == JobResult::NotWritten) ++unwritten;
     }
@@ -224,8 +336,8 @@ std::string Summary(const std::vector<JobResult>& results, double seconds) {
     std::string text = head;
     for (auto it = refused.rbegin(); it != refused.rend(); ++it)
         text += "\n  " + std::to_string(it->second) + " refused with status " +
-                std::to_string(it->first) + ": " + StatusMeaning(it->first);
-    if (missing) text += "\n  " + std::to_string(missing) + " not found";
+                std::to_string(it->first.first) + ": " + it->first.second;
+    if (missing) text += "\n  " + std::to_string(missing) + " could not be read";
     if (unwritten) text += "\n  " + std::to_string(unwritten) + " converted but not written";
     return text;
 }

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "svgmodule.h"
+
 class Console;
 
 // One file to convert: where it is, the name it is shown under, where its SVG goes (empty:
@@ -23,25 +25,47 @@ struct JobResult {
     enum Outcome { Converted, Refused, Missing, NotWritten };
     Outcome outcome = Missing;
     int status = 0;  // the library's status
+    // Why it did not convert or was not written: the kind of refusal (files of one kind are
+    // counted together), or the system's reason a file could not be read or written ...
+    std::string reason;
+    // ... and this file's particulars, if any (a truncated file's sizes).
+    std::string detail;
+    bool empty = false;  // converted, but nothing is drawn (BatchOptions::findEmpty)
     qint64 inputSize = 0;
     qint64 svgSize = 0;
     QByteArray svg;  // kept only when asked for
 };
 
 struct BatchOptions {
-    int jobs = 1;          // threads
-    bool exact = false;    // write the library's bytes unchanged
-    bool keepSvg = false;  // keep each document in its result
+    int jobs = 1;                        // threads
+    int mode = SVGMODULE_MODE_CONTRACT;  // the library's mode
+    bool exact = false;                  // write the library's bytes unchanged
+    bool keepSvg = false;                // keep each document in its result
+    bool findEmpty = false;              // tell the documents that draw nothing
 };
 
 // What a library status means, in a few words.
 const char* StatusMeaning(int status);
 
-// Reads, converts and (unless `exact`) repairs one file. The document is in the result.
-JobResult ConvertFile(const QString& input, bool exact);
+// Why the library refused `bytes` with `status`, told from the file's header: sets the
+// result's reason ("not an EMF or WMF file", "truncated EMF", ...) and detail.
+void Diagnose(const QByteArray& bytes, int status, JobResult* result);
 
-// Writes `data` to `path`, creating its folder; false when it could not.
-bool WriteFile(const QString& path, const QByteArray& data);
+// Reads (standard input for "-") and converts one file in `options.mode`, with the library's
+// client repairs unless `options.exact`; the library's diagnostic lines name the input. The
+// document is in the result.
+JobResult ConvertFile(const QString& input, const BatchOptions& options);
+
+// Writes `data` to `path`, creating its folder; false, with the system's reason in `error`,
+// when it could not.
+bool WriteFile(const QString& path, const QByteArray& data, std::string* error = nullptr);
+
+// Creates `folder` when missing and checks that a file can be written in it: the system's
+// reason when not, else an empty string.
+std::string CheckFolder(const QString& folder);
+
+// Whether an SVG document draws anything: an element that renders, outside definitions.
+bool DrawsAnything(const QByteArray& svg);
 
 // Expands the inputs into jobs. A folder contributes its .emf and .wmf files (any case), and
 // with `recursive` those of its subfolders, named by their path inside it; a file is named by

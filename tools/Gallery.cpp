@@ -13,23 +13,42 @@ body { font: 14px sans-serif; margin: 1em; background: #eee; }
 main { display: grid; grid-template-columns: repeat(auto-fill, minmax(260px, 1fr)); gap: 12px; }
 figure { margin: 0; padding: 8px; background: #fff; border: 2px solid #ccc; }
 figure.broken { border-color: #c00; }
+figure.empty { border-color: #e90; }
 figure.refused { background: #f6f6f6; }
-.view { height: 220px; display: flex; align-items: center; justify-content: center;
+.view, #large { display: flex; align-items: center; justify-content: center;
         background: repeating-conic-gradient(#f4f4f4 0 25%, #fff 0 50%) 0 0 / 16px 16px; }
+.view { height: 220px; }
+a.view { cursor: zoom-in; }
 .view img { max-width: 100%; max-height: 100%; }
+#large { position: fixed; inset: 0; cursor: zoom-out; }
+#large[hidden] { display: none; }
+#large img { width: 96vw; height: 96vh; object-fit: contain; }
 figcaption { margin-top: 6px; overflow-wrap: anywhere; }
 figure.broken figcaption::after { content: " \2014 does not display"; color: #c00; }
+figure.empty figcaption::after { content: " \2014 empty: nothing is drawn"; color: #c60; }
 .status { color: #555; }
 </style>
 <script>
 function settled(img, shown) {
-  img.closest('figure').classList.add(shown ? 'shown' : 'broken');
+  var figure = img.closest('figure');
+  if (!figure.classList.contains('empty')) figure.classList.add(shown ? 'shown' : 'broken');
   var n = function (s) { return document.querySelectorAll('figure.' + s).length; };
-  document.getElementById('tally').textContent =
-      n('shown') + ' displayed, ' + n('broken') + ' failed to display';
+  document.getElementById('tally').textContent = n('shown') + ' displayed, ' + n('empty') +
+      ' empty, ' + n('broken') + ' failed to display';
 }
+// A click on a drawing shows it as large as the window; a click or Escape closes it.
+function enlarge(link) {
+  var large = document.getElementById('large');
+  large.firstChild.src = link.firstChild.src;
+  large.hidden = false;
+  return false;
+}
+document.addEventListener('keydown', function (e) {
+  if (e.key === 'Escape') document.getElementById('large').hidden = true;
+});
 </script>
 </head><body>
+<div id="large" hidden onclick="this.hidden = true"><img alt=""></div>
 )";
 
 QString Size(qint64 bytes) {
@@ -47,39 +66,48 @@ QString ImageSource(const QDir& pageDir, const Job& job, const JobResult& result
 }
 
 QString Card(const QDir& pageDir, const Job& job, const JobResult& result) {
-    QString image, sizes = Size(result.inputSize), status;
+    QString view = QLatin1String("<div class=\"view\">"), sizes = Size(result.inputSize), status;
+    const QString reason = QString::fromLocal8Bit(result.reason.c_str());
     switch (result.outcome) {
-        case JobResult::Converted:
-            image = QLatin1String(
-                        "<img alt=\"\" onload=\"settled(this, true)\" "
-                        "onerror=\"settled(this, false)\" src=\"") +
-                    ImageSource(pageDir, job, result) + QLatin1String("\">");
+        case JobResult::Converted: {
+            // Linked to the file when there is one (the full-size drawing in a tab of its own).
+            const QString source = ImageSource(pageDir, job, result);
+            view = QLatin1String("<a class=\"view\" onclick=\"return enlarge(this)\" href=\"") +
+                   (job.output.isEmpty() ? QStringLiteral("#") : source) +
+                   QLatin1String(
+                       "\"><img alt=\"\" onload=\"settled(this, true)\" "
+                       "onerror=\"settled(this, false)\" src=\"") +
+                   source + QLatin1String("\"></a>");
             sizes += QString::fromUtf8(" \u2192 ") + Size(result.svgSize) + QLatin1String(" SVG");
             status = QString::fromLatin1(StatusMeaning(result.status));
             break;
+        }
         case JobResult::Refused:
             status = QLatin1String("refused, status ") + QString::number(result.status) +
-                     QLatin1String(": ") + QString::fromLatin1(StatusMeaning(result.status));
+                     QLatin1String(": ") + reason;
             break;
         case JobResult::Missing:
-            status = QLatin1String("not found");
+            status = QLatin1String("not read: ") + reason;
             break;
         case JobResult::NotWritten:
-            status = QLatin1String("converted, but the SVG could not be written");
+            status = QLatin1String("converted, but the SVG could not be written: ") + reason;
             break;
     }
     const bool converted = result.outcome == JobResult::Converted;
-    return QLatin1String(converted ? "<figure>" : "<figure class=\"refused\">") +
-           QLatin1String("<div class=\"view\">") + image + QLatin1String("</div><figcaption><b>") +
-           job.name.toHtmlEscaped() + QLatin1String("</b><br>") + sizes +
-           QLatin1String("<br><span class=\"status\">") + status.toHtmlEscaped() +
-           QLatin1String("</span></figcaption></figure>\n");
+    if (!converted) view += QLatin1String("</div>");
+    return QLatin1String(!converted     ? "<figure class=\"refused\">"
+                         : result.empty ? "<figure class=\"empty\">"
+                                        : "<figure>") +
+           view + QLatin1String("<figcaption><b>") + job.name.toHtmlEscaped() +
+           QLatin1String("</b><br>") + sizes + QLatin1String("<br><span class=\"status\">") +
+           status.toHtmlEscaped() + QLatin1String("</span></figcaption></figure>\n");
 }
 
 }  // namespace
 
 bool WriteGallery(const QString& page, const std::vector<Job>& jobs,
-                  const std::vector<JobResult>& results, const std::string& summary) {
+                  const std::vector<JobResult>& results, const std::string& summary,
+                  std::string* error) {
     const QDir pageDir = QFileInfo(page).absoluteDir();
     QString html = QLatin1String(kHead);
     html += QLatin1String("<h1>metafile2svg</h1>\n<pre>") +
@@ -88,5 +116,5 @@ bool WriteGallery(const QString& page, const std::vector<Job>& jobs,
     for (size_t i = 0; i < jobs.size() && i < results.size(); ++i)
         html += Card(pageDir, jobs[i], results[i]);
     html += QLatin1String("</main>\n</body></html>\n");
-    return WriteFile(page, html.toUtf8());
+    return WriteFile(page, html.toUtf8(), error);
 }

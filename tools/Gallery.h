@@ -10,10 +10,13 @@
 #include "Batch.h"
 
 // Writes the page to `page`. A job with an output file is shown from that file (linked
-// relative to the page); otherwise its document, kept in the result, is embedded. Each card
-// marks itself "shown" or "broken" once the browser has tried to display its drawing, and
-// the page's tally counts them. False when the page could not be written.
+// relative to the page, and linked to it); otherwise its document, kept in the result, is
+// embedded. A click on a drawing shows it as large as the window. Each card marks itself
+// "shown" or "broken" once the browser has tried to display its drawing, or "empty" when the
+// document draws nothing (JobResult::empty), and the page's tally counts them. False, with the
+// system's reason in `error`, when the page could not be written.
 bool WriteGallery(const QString& page, const std::vector<Job>& jobs,
-                  const std::vector<JobResult>& results, const std::string& summary);
+                  const std::vector<JobResult>& results, const std::string& summary,
+                  std::string* error = nullptr);
 
 #endif

@@ -16,11 +16,15 @@ namespace {
 
 const char kDescription[] =
     "Converts Windows metafiles (EMF, or WMF with or without the placeable header) to SVG 1.1\n"
-    "documents. One input is written to standard output, or to FILE with -o; several inputs\n"
-    "and folders are converted in parallel into DIR with -O.";
+    "documents. One input (- for standard input) is written to standard output, or to FILE\n"
+    "with -o; several inputs and folders are converted in parallel into DIR with -O.";
 
 const char kEpilogue[] =
-    "\nBy default the documents are adjusted to open in every SVG client: the root element\n"
+    "\n--contract (the default) writes the library's stable output, the same in every release;\n"
+    "--faithful draws what the system that recorded the file would have drawn (in\n"
+    "development).\n"
+    "\n"
+    "By default the documents are adjusted to open in every SVG client: the root element\n"
     "declares the xlink namespace, an element that carries an attribute twice keeps only\n"
     "the last, and characters XML does not allow become U+FFFD. --exact writes the\n"
     "library's output unchanged.\n"
@@ -35,25 +39,30 @@ struct Options {
     QString output, outputDir, gallery, recordLog;
     bool recursive = false, exact = false, haveRecordLog = false;
     int jobs = 1;
+    int mode = SVGMODULE_MODE_CONTRACT;
 };
 
-int UsageError(const QCommandLineParser& parser, const QString& message) {
-    std::fprintf(stderr, "metafile2svg: %s\n\n%s", message.toLocal8Bit().constData(),
-                 parser.helpText().toLocal8Bit().constData());
+int UsageError(const QCommandLineParser&, QString message) {
+    if (message.endsWith(QLatin1Char('.'))) message.chop(1);  // Qt's own messages end in one
+    std::fprintf(stderr, "metafile2svg: %s; try 'metafile2svg --help'\n",
+                 message.toLocal8Bit().constData());
     return 2;
 }
 
 int ConvertOne(const Options& options) {
     const Job job{options.inputs.first(), QString(), options.output};
-    const JobResult result = ConvertFile(job.input, options.exact);
+    BatchOptions settings;
+    settings.mode = options.mode;
+    settings.exact = options.exact;
+    const JobResult result = ConvertFile(job.input, settings);
     std::string message = FailureMessage(job, result);
-    if (message.empty() && options.output.isEmpty()) {
+    if (message.empty() && (options.output.isEmpty() || options.output == QLatin1String("-"))) {
         std::fwrite(result.svg.constData(), 1, (size_t)result.svg.size(), stdout);
         if (std::fflush(stdout) == 0) return 0;
         message = "metafile2svg: cannot write to standard output";
     } else if (message.empty()) {
-        if (WriteFile(options.output, result.svg)) return 0;
         JobResult unwritten;
+        if (WriteFile(options.output, result.svg, &unwritten.reason)) return 0;
         unwritten.outcome = JobResult::NotWritten;
         message = FailureMessage(job, unwritten);
     }
@@ -69,10 +78,23 @@ int ConvertMany(const QCommandLineParser& parser, const Options& options) {
         std::fprintf(stderr, "metafile2svg: no .emf or .wmf file in the folders given\n");
         return 1;
     }
+    // A folder that cannot be written stops the run before anything is converted.
+    QStringList folders;
+    if (!options.outputDir.isEmpty()) folders << options.outputDir;
+    if (!options.gallery.isEmpty()) folders << QFileInfo(options.gallery).path();
+    for (const QString& folder : folders) {
+        const std::string error = CheckFolder(folder);
+        if (error.empty()) continue;
+        std::fprintf(stderr, "metafile2svg: cannot write %s: %s\n",
+                     folder.toLocal8Bit().constData(), error.c_str());
+        return 1;
+    }
     BatchOptions batch;
     batch.jobs = options.jobs;
+    batch.mode = options.mode;
     batch.exact = options.exact;
     batch.keepSvg = !options.gallery.isEmpty() && options.outputDir.isEmpty();
+    batch.findEmpty = !options.gallery.isEmpty();
     Console console(true);
     const std::vector<JobResult> results = RunJobs(jobs, batch, console);
     console.Finish();
@@ -82,10 +104,12 @@ int ConvertMany(const QCommandLineParser& parser, const Options& options) {
     std::fprintf(stderr, "metafile2svg: %s\n", summary.c_str());
     if (!options.gallery.isEmpty()) {
         const QByteArray page = options.gallery.toLocal8Bit();
-        if (WriteGallery(options.gallery, jobs, results, summary)) {
+        std::string error;
+        if (WriteGallery(options.gallery, jobs, results, summary, &error)) {
             std::fprintf(stderr, "metafile2svg: gallery written to %s\n", page.constData());
         } else {
-            std::fprintf(stderr, "metafile2svg: cannot write %s\n", page.constData());
+            std::fprintf(stderr, "metafile2svg: cannot write %s: %s\n", page.constData(),
+                         error.c_str());
             ok = false;
         }
     }
@@ -102,8 +126,8 @@ int Run(int argc, char** argv) {
     const QCommandLineOption help({"h", "help"}, "Show this help.");
     const QCommandLineOption version("version", "Show the version.");
     const QCommandLineOption output({"o", "output"},
-                                    "Write the SVG of the one INPUT to FILE (default: standard "
-                                    "output).",
+                                    "Write the SVG of the one INPUT to FILE (default, or -: "
+                                    "standard output).",
                                     "FILE");
     const QCommandLineOption outputDir({"O", "output-dir"},
                                        "Write each SVG under DIR: a file as its name with .svg "
@@ -113,6 +137,12 @@ int Run(int argc, char** argv) {
     const QCommandLineOption jobs({"j", "jobs"},
                                   "Convert on N threads (default: the number of cores).", "N");
     const QCommandLineOption exact("exact", "Write the library's bytes unchanged.");
+    const QCommandLineOption contract("contract",
+                                      "Convert in the contract mode: the library's stable "
+                                      "output (the default).");
+    const QCommandLineOption faithful("faithful",
+                                      "Convert in the faithful mode: what the recording system "
+                                      "would have drawn (in development).");
     const QCommandLineOption gallery("gallery",
                                      "Also write an HTML page showing every drawing with its "
                                      "file name, size and status.",
@@ -122,8 +152,8 @@ int Run(int argc, char** argv) {
                                        "(an empty FILE names the log after today's date); "
                                        "files are then converted one at a time.",
                                        "FILE");
-    parser.addOptions(
-        {help, version, output, outputDir, recursive, jobs, exact, gallery, recordLog});
+    parser.addOptions({help, version, output, outputDir, recursive, jobs, exact, contract, faithful,
+                       gallery, recordLog});
     if (!parser.parse(QCoreApplication::arguments())) return UsageError(parser, parser.errorText());
     if (parser.isSet(help)) {
         std::printf("%s%s", parser.helpText().toLocal8Bit().constData(), kEpilogue);
@@ -141,6 +171,9 @@ int Run(int argc, char** argv) {
     o.gallery = parser.value(gallery);
     o.recursive = parser.isSet(recursive);
     o.exact = parser.isSet(exact);
+    if (parser.isSet(contract) && parser.isSet(faithful))
+        return UsageError(parser, QStringLiteral("--contract and --faithful exclude each other"));
+    if (parser.isSet(faithful)) o.mode = SVGMODULE_MODE_FAITHFUL;
     o.haveRecordLog = parser.isSet(recordLog);
     o.recordLog = parser.value(recordLog);
     o.jobs = (int)std::max(1u, std::thread::hardware_concurrency());
@@ -166,6 +199,8 @@ int Run(int argc, char** argv) {
         return UsageError(parser, QStringLiteral("-o takes one input file; use -O DIR for more"));
     if (many && !parser.isSet(outputDir) && !parser.isSet(gallery))
         return UsageError(parser, QStringLiteral("several inputs or a folder need -O DIR"));
+    if (many && o.inputs.contains(QStringLiteral("-")))
+        return UsageError(parser, QStringLiteral("standard input (-) is converted alone"));
 
     if (o.haveRecordLog) EnableLogging(true, o.recordLog);
     const int status = many ? ConvertMany(parser, o) : ConvertOne(o);

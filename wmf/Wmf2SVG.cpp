@@ -78,7 +78,7 @@ void WMF2SVGConverter::WalkRecords(const unsigned char* records, unsigned long t
     uint64_t count = 0;
     uint32_t recordNumber = 1;
     // Output beyond the budget ends the walk too, at the start of the record that passed it.
-    m_writer.LimitOutput(CMySVGWriter::OutputBudget(total));
+    m_writer.LimitOutput(OutputBudget(total));
     size_t recordStart = m_writer.OutputSize();
     try {
         while (records::Fits(pos, sizeof(tagWMR), end)) {

@@ -1,4 +1,4 @@
-#include "SvgRepair.h"
+#include "svg/SvgRepair.h"
 
 #include <algorithm>
 #include <numeric>
@@ -35,8 +35,11 @@ struct Attribute {
 
 class Repairer {
   public:
-    explicit Repairer(const QByteArray& svg)
-        : m_input(svg), m_text(svg.constData(), (size_t)svg.size()) {}
+    Repairer(const QByteArray& svg, bool xlink, bool repeated)
+        : m_input(svg),
+          m_text(svg.constData(), (size_t)svg.size()),
+          m_xlink(xlink),
+          m_repeated(repeated) {}
 
     QByteArray Run() {
         bool rootSeen = false;
@@ -137,13 +140,13 @@ class Repairer {
         }
         const size_t tagEnd = i + 1;
 
-        if (isRoot && m_text.substr(pos + 1, nameEnd - pos - 1) == "svg" &&
+        if (m_xlink && isRoot && m_text.substr(pos + 1, nameEnd - pos - 1) == "svg" &&
             std::none_of(m_attributes.begin(), m_attributes.end(),
                          [](const Attribute& a) { return a.name == "xmlns:xlink"; })) {
             CopyTo(nameEnd);
             m_output.append(kXlinkDeclaration);
         }
-        DropEarlierDuplicates();
+        if (m_repeated) DropEarlierDuplicates();
         return tagEnd;
     }
 
@@ -183,6 +186,7 @@ class Repairer {
 
     const QByteArray& m_input;
     const string_view m_text;
+    const bool m_xlink, m_repeated;
     QByteArray m_output;
     bool m_edited = false;
     size_t m_copied = 0;
@@ -216,6 +220,9 @@ QByteArray ReplaceForbidden(QByteArray svg) {
 
 }  // namespace
 
-QByteArray RepairSvg(const QByteArray& svg) {
-    return ReplaceForbidden(Repairer(svg).Run());
+QByteArray RepairSvg(const QByteArray& svg, unsigned repairs) {
+    const bool xlink = repairs & SVGMODULE_REPAIR_XLINK;
+    const bool repeated = repairs & SVGMODULE_REPAIR_REPEATED_ATTRIBUTES;
+    const QByteArray tags = xlink || repeated ? Repairer(svg, xlink, repeated).Run() : svg;
+    return repairs & SVGMODULE_REPAIR_FORBIDDEN_CHARACTERS ? ReplaceForbidden(tags) : tags;
 }

@@ -1,0 +1,621 @@
+// The faithful interpreter: device-context mapping and styles, the writer, EMF playback end to
+// end, and hostile records.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <vector>
+
+#include "byteorder/BEndTools.h"
+#include "faithful/DeviceContext.h"
+#include "faithful/DeviceSvg.h"
+#include "faithful/Faithful.h"
+#include "tests/MetafileBuilder.h"
+
+using namespace faithful;
+
+namespace {
+
+struct Capture : DrawSink {
+    std::vector<DrawOp> ops;
+    void Draw(const DrawOp& op) override { ops.push_back(op); }
+};
+
+using Steps = std::function<void(DeviceContext&)>;
+
+// The default reference device of the test files: 1024 x 768 units over 320 x 240 mm.
+void TestDevice(DeviceContext& dc) {
+    dc.SetReferenceDevice(1024, 768, 320, 240);
+}
+
+Matrix Scale(double s) {
+    return Matrix::Scale(s, s);
+}
+
+QString Svg(const QByteArray& file, int* status = nullptr) {
+    QByteArray out;
+    const int s = faithful::Convert(reinterpret_cast<const unsigned char*>(file.constData()),
+                                    file.size(), out);
+    if (status) *status = s;
+    return QString::fromUtf8(out);
+}
+
+}  // namespace
+
+// Logical to device through every map mode, the window and viewport records, each world
+// transform mode and saved states.
+TEST(FaithfulMapping, Table) {
+    const auto aniso = [](double wx, double wy, double vx, double vy) {
+        return [=](DeviceContext& dc) {
+            dc.SetMapMode(gdi::MM_ANISOTROPIC);
+            dc.SetWindowExt(wx, wy);
+            dc.SetViewportExt(vx, vy);
+        };
+    };
+    const auto metric = [](int mode) { return [=](DeviceContext& dc) { dc.SetMapMode(mode); }; };
+    const auto world = [](Matrix first, Matrix m, int mode) {
+        return [=](DeviceContext& dc) {
+            dc.SetWorldTransform(first);
+            dc.ModifyWorldTransform(m, mode);
+        };
+    };
+    const auto origins = [](DeviceContext& dc) {
+        dc.SetWindowOrg(100, 50);
+        dc.SetViewportOrg(10, 10);
+    };
+    const auto saves = [](std::vector<int> restores) {
+        return [=](DeviceContext& dc) {
+            dc.SaveDC();
+            dc.SetWindowOrg(10, 0);
+            dc.SaveDC();
+            dc.SetWindowOrg(20, 0);
+            for (int r : restores) dc.RestoreDC(r);
+        };
+    };
+    const struct {
+        const char* name;
+        Steps setup;
+        PointF logical, device;
+    } rows[] = {
+        {"text", [](DeviceContext&) {}, {10, 20}, {10, 20}},
+        {"origins", origins, {100, 50}, {10, 10}},
+        {"offset origins",
+         [&](DeviceContext& dc) {
+             origins(dc);
+             dc.OffsetWindowOrg(-100, -50);
+             dc.OffsetViewportOrg(5, 0);
+         },
+         {0, 0},
+         {15, 10}},
+        // 3.2 device units per millimetre; y grows upwards.
+        {"low metric", metric(gdi::MM_LOMETRIC), {100, 100}, {32, -32}},
+        {"high metric", metric(gdi::MM_HIMETRIC), {1000, 1000}, {32, -32}},
+        {"low English", metric(gdi::MM_LOENGLISH), {100, 100}, {81.28, -81.28}},
+        {"high English", metric(gdi::MM_HIENGLISH), {1000, 1000}, {81.28, -81.28}},
+        {"twips", metric(gdi::MM_TWIPS), {1440, 1440}, {81.28, -81.28}},
+        {"anisotropic one to one", aniso(1, 1, 1, 1), {3, 4}, {3, 4}},
+        {"anisotropic", aniso(1000, 500, 500, 500), {100, 100}, {50, 100}},
+        {"isotropic shrinks the larger scale",
+         [](DeviceContext& dc) {
+             dc.SetMapMode(gdi::MM_ISOTROPIC);
+             dc.SetWindowExt(1000, 500);
+             dc.SetViewportExt(500, -500);
+         },
+         {100, 100},
+         {50, -50}},
+        {"fixed mode refuses extents",
+         [](DeviceContext& dc) {
+             dc.SetMapMode(gdi::MM_TEXT);
+             dc.SetWindowExt(10, 10);
+             dc.SetViewportExt(20, 20);
+         },
+         {3, 4},
+         {3, 4}},
+        {"zero extent refused",
+         [&](DeviceContext& dc) { aniso(10, 0, 0, 10)(dc); },
+         {3, 4},
+         {3, 4}},
+        {"scale viewport",
+         [&](DeviceContext& dc) {
+             aniso(100, 100, 100, 100)(dc);
+             dc.ScaleViewportExt(2, 1, 3, 1);
+             dc.ScaleWindowExt(1, 2, 1, 0);  // a zero denominator: refused
+         },
+         {10, 10},
+         {20, 30}},
+        {"scale window",
+         [&](DeviceContext& dc) {
+             aniso(100, 100, 100, 100)(dc);
+             dc.ScaleWindowExt(2, 1, 4, 1);
+         },
+         {10, 20},
+         {5, 5}},
+        {"identity", world(Scale(2), Scale(3), gdi::MWT_IDENTITY), {10, 0}, {10, 0}},
+        {"left multiply",
+         world(Matrix::Translate(5, 0), Scale(2), gdi::MWT_LEFTMULTIPLY),
+         {10, 0},
+         {25, 0}},
+        {"right multiply",
+         world(Matrix::Translate(5, 0), Scale(2), gdi::MWT_RIGHTMULTIPLY),
+         {10, 0},
+         {30, 0}},
+        {"set", world(Scale(2), Matrix::Translate(1, 2), gdi::MWT_SET), {10, 0}, {11, 2}},
+        {"singular refused", world(Scale(2), Scale(0), gdi::MWT_SET), {10, 0}, {20, 0}},
+        {"unknown mode", world(Scale(2), Scale(3), 9), {10, 0}, {20, 0}},
+        {"world then page",
+         [&](DeviceContext& dc) {
+             aniso(2, 2, 1, 1)(dc);
+             dc.SetWorldTransform(Matrix::Translate(10, 0));
+         },
+         {10, 10},
+         {10, 5}},
+        {"restore -1", saves({-1}), {15, 0}, {5, 0}},
+        {"restore -2", saves({-2}), {5, 0}, {5, 0}},
+        {"restore absolute 2", saves({2}), {15, 0}, {5, 0}},
+        {"restore too deep", saves({-3, 0, 3}), {25, 0}, {5, 0}},
+    };
+    for (const auto& row : rows) {
+        Capture sink;
+        DeviceContext dc(sink);
+        TestDevice(dc);
+        row.setup(dc);
+        const PointF d = dc.ToDevice(row.logical);
+        EXPECT_NEAR(d.x, row.device.x, 1e-9) << row.name;
+        EXPECT_NEAR(d.y, row.device.y, 1e-9) << row.name;
+    }
+}
+
+// The stroke of a pen: widths in device units (at least one pixel), dashes, caps and raster
+// operations. The mapping halves lengths unless a row says otherwise.
+TEST(FaithfulPens, Table) {
+    const auto pen = [](uint32_t style, double width, bool extended = false,
+                        std::vector<double> user = {}) {
+        LogPen p;
+        p.style = style;
+        p.width = width;
+        p.color = 0x0000FF;  // red
+        p.extended = extended;
+        p.userStyle = user;
+        return p;
+    };
+    const uint32_t geo = gdi::PS_GEOMETRIC;
+    const struct {
+        const char* name;
+        LogPen pen;
+        int rop2;
+        double width;
+        std::vector<double> dashes;
+        Stroke::Cap cap;
+        bool visible;
+        Rgb color;
+    } rows[] = {
+        {"width 0",
+         pen(gdi::PS_SOLID, 0),
+         gdi::R2_COPYPEN,
+         1,
+         {},
+         Stroke::Cap::Round,
+         true,
+         0xFF0000},
+        {"scaled",
+         pen(gdi::PS_SOLID, 10),
+         gdi::R2_COPYPEN,
+         5,
+         {},
+         Stroke::Cap::Round,
+         true,
+         0xFF0000},
+        {"under a unit",
+         pen(gdi::PS_SOLID, 1),
+         gdi::R2_COPYPEN,
+         1,
+         {},
+         Stroke::Cap::Round,
+         true,
+         0xFF0000},
+        {"cosmetic",
+         pen(gdi::PS_SOLID, 10, true),
+         gdi::R2_COPYPEN,
+         1,
+         {},
+         Stroke::Cap::Round,
+         true,
+         0xFF0000},
+        {"geometric flat",
+         pen(geo | gdi::PS_ENDCAP_FLAT, 10, true),
+         gdi::R2_COPYPEN,
+         5,
+         {},
+         Stroke::Cap::Flat,
+         true,
+         0xFF0000},
+        {"dash",
+         pen(gdi::PS_DASH, 0),
+         gdi::R2_COPYPEN,
+         1,
+         {18, 6},
+         Stroke::Cap::Flat,
+         true,
+         0xFF0000},
+        {"dot", pen(gdi::PS_DOT, 0), gdi::R2_COPYPEN, 1, {3, 3}, Stroke::Cap::Flat, true, 0xFF0000},
+        {"dash dot",
+         pen(gdi::PS_DASHDOT, 0),
+         gdi::R2_COPYPEN,
+         1,
+         {9, 6, 3, 6},
+         Stroke::Cap::Flat,
+         true,
+         0xFF0000},
+        {"dash dot dot",
+         pen(gdi::PS_DASHDOTDOT, 0),
+         gdi::R2_COPYPEN,
+         1,
+         {9, 3, 3, 3, 3, 3},
+         Stroke::Cap::Flat,
+         true,
+         0xFF0000},
+        {"wide dash",
+         pen(gdi::PS_DASH, 8),
+         gdi::R2_COPYPEN,
+         4,
+         {12, 4},
+         Stroke::Cap::Round,
+         true,
+         0xFF0000},
+        {"alternate",
+         pen(gdi::PS_ALTERNATE, 0, true),
+         gdi::R2_COPYPEN,
+         1,
+         {1, 1},
+         Stroke::Cap::Flat,
+         true,
+         0xFF0000},
+        {"user geometric",
+         pen(geo | gdi::PS_USERSTYLE, 8, true, {8, 4}),
+         gdi::R2_COPYPEN,
+         4,
+         {4, 2},
+         Stroke::Cap::Round,
+         true,
+         0xFF0000},
+        {"user cosmetic",
+         pen(gdi::PS_USERSTYLE, 1, true, {5, 2}),
+         gdi::R2_COPYPEN,
+         1,
+         {5, 2},
+         Stroke::Cap::Flat,
+         true,
+         0xFF0000},
+        {"user all zero",
+         pen(gdi::PS_USERSTYLE, 1, true, {0, 0}),
+         gdi::R2_COPYPEN,
+         1,
+         {},
+         Stroke::Cap::Round,
+         true,
+         0xFF0000},
+        {"null", pen(gdi::PS_NULL, 10), gdi::R2_COPYPEN, 1, {}, Stroke::Cap::Round, false, 0},
+        {"no-op", pen(gdi::PS_SOLID, 0), gdi::R2_NOP, 1, {}, Stroke::Cap::Round, false, 0},
+        {"black", pen(gdi::PS_SOLID, 0), gdi::R2_BLACK, 1, {}, Stroke::Cap::Round, true, 0},
+        {"white", pen(gdi::PS_SOLID, 0), gdi::R2_WHITE, 1, {}, Stroke::Cap::Round, true, 0xFFFFFF},
+        {"not copy",
+         pen(gdi::PS_SOLID, 0),
+         gdi::R2_NOTCOPYPEN,
+         1,
+         {},
+         Stroke::Cap::Round,
+         true,
+         0x00FFFF},
+        {"xor as copy",
+         pen(gdi::PS_SOLID, 0),
+         gdi::R2_XORPEN,
+         1,
+         {},
+         Stroke::Cap::Round,
+         true,
+         0xFF0000},
+    };
+    for (const auto& row : rows) {
+        Capture sink;
+        DeviceContext dc(sink);
+        TestDevice(dc);
+        dc.SetMapMode(gdi::MM_ANISOTROPIC);
+        dc.SetWindowExt(2, 2);
+        GdiObject o;
+        o.kind = GdiObject::Kind::Pen;
+        o.pen = row.pen;
+        dc.CreateObjectAt(1, o);
+        dc.SelectObject(1);
+        dc.SetRop2(row.rop2);
+        const Stroke s = dc.CurrentStroke();
+        EXPECT_EQ(s.visible, row.visible) << row.name;
+        if (!row.visible) continue;
+        EXPECT_DOUBLE_EQ(s.width, row.width) << row.name;
+        EXPECT_EQ(s.dashes, row.dashes) << row.name;
+        EXPECT_EQ(s.cap, row.cap) << row.name;
+        EXPECT_EQ(s.color, row.color) << row.name;
+    }
+    // On a fine device, the thinnest stroke is a pixel of 1/96 inch: 10 units at 2540 units
+    // per inch... here 37.8 units per millimetre.
+    Capture sink;
+    DeviceContext fine(sink);
+    fine.SetReferenceDevice(9600, 9600, 254, 254);
+    EXPECT_DOUBLE_EQ(fine.PixelWidth(), 10);
+    EXPECT_DOUBLE_EQ(fine.CurrentStroke().width, 10);
+}
+
+// Objects: stock objects, the lowest free WMF slot, and a deleted object that stays selected.
+TEST(FaithfulObjects, SlotsStockAndDeletion) {
+    Capture sink;
+    DeviceContext dc(sink);
+    GdiObject brush;
+    brush.kind = GdiObject::Kind::Brush;
+    brush.brush.color = 0x00FF00;
+    dc.SetObjectTableSize(4);
+    std::vector<int> taken;
+    for (int i = 0; i < 3; ++i) taken.push_back(dc.CreateObjectInFreeSlot(brush));
+    dc.SelectObject(1);
+    dc.DeleteObject(1);
+    EXPECT_EQ(dc.CurrentFill().color, 0x00FF00u);  // still selected after deletion
+    EXPECT_EQ(dc.ObjectAt(1), nullptr);
+    taken.push_back(dc.CreateObjectInFreeSlot(brush));  // the freed slot 1
+    taken.push_back(dc.CreateObjectInFreeSlot(brush));  // 3
+    taken.push_back(dc.CreateObjectInFreeSlot(brush));  // the table is full
+    EXPECT_EQ(taken, (std::vector<int>{0, 1, 2, 1, 3, -1}));
+
+    dc.SelectObject(gdi::kStockObject | 5);  // NULL_BRUSH
+    EXPECT_EQ(dc.CurrentFill().kind, Fill::Kind::None);
+    dc.SelectObject(gdi::kStockObject | 8);  // NULL_PEN
+    EXPECT_FALSE(dc.CurrentStroke().visible);
+    dc.SelectObject(gdi::kStockObject | 2);  // GRAY_BRUSH
+    EXPECT_EQ(dc.CurrentFill().color, 0x808080u);
+    dc.SelectObject(gdi::kStockObject | 99);  // no such stock object: nothing changes
+    dc.SelectObject(0xFFFFFFF0);
+    EXPECT_EQ(dc.CurrentFill().color, 0x808080u);
+}
+
+// Arcs are swept in the arc direction as seen on the device, whatever the mapping mirrors.
+TEST(FaithfulShapes, ArcDirection) {
+    const struct {
+        int direction;
+        bool mirrored;
+        double top, bottom;  // the device-space extent of the arc
+    } rows[] = {
+        {gdi::AD_COUNTERCLOCKWISE, false, 0, 50},  // the upper right quarter
+        {gdi::AD_CLOCKWISE, false, 0, 100},        // three quarters
+        {gdi::AD_COUNTERCLOCKWISE, true, -100, 0},
+        {gdi::AD_CLOCKWISE, true, -50, 0},
+    };
+    for (const auto& row : rows) {
+        Capture sink;
+        DeviceContext dc(sink);
+        if (row.mirrored) dc.SetWorldTransform(Matrix::Scale(1, -1));
+        dc.SetArcDirection(row.direction);
+        dc.Arc({0, 0, 100, 100}, {100, 50}, {50, 0});
+        ASSERT_EQ(sink.ops.size(), 1u);
+        const RectF b = sink.ops[0].path.Bounds();
+        EXPECT_NEAR(b.top, row.top, 1e-9) << row.direction << row.mirrored;
+        EXPECT_NEAR(b.bottom, row.bottom, 1e-9) << row.direction << row.mirrored;
+    }
+}
+
+// Numbers keep a hundredth with the fewest characters.
+TEST(FaithfulWriter, Numbers) {
+    const struct {
+        double value;
+        const char* text;
+    } rows[] = {{0, "0"},
+                {1, "1"},
+                {-1, "-1"},
+                {0.5, ".5"},
+                {-0.5, "-.5"},
+                {1.25, "1.25"},
+                {1.2, "1.2"},
+                {10.004, "10"},
+                {-0.004, "0"},
+                {99.999, "100"},
+                {1e20, "10000000000000"},
+                {NAN, "0"},
+                {-123.456, "-123.46"}};
+    for (const auto& row : rows) {
+        SvgBuffer out;
+        AppendNumber(out, row.value);
+        EXPECT_EQ(out.Text(), QByteArray(row.text)) << row.value;
+    }
+}
+
+// A drawing that passes the output limit is undone, and the document still closes.
+TEST(FaithfulWriter, LimitRewindsTheRecord) {
+    DeviceSvg writer;
+    writer.SetLimit(2048);
+    DrawOp op;
+    op.path.MoveTo({0, 0});
+    op.path.LineTo({1234.5, 678.9});
+    op.stroke.visible = true;
+    DeviceSvg::Mark mark;
+    bool stopped = false;
+    for (int i = 0; i < 1000 && !stopped; ++i) {
+        mark = writer.GetMark();
+        try {
+            writer.Draw(op);
+            op.stroke.color = (Rgb)i;  // a new group each time
+        } catch (const OutputLimitReached&) {
+            writer.Rewind(mark);
+            stopped = true;
+        }
+    }
+    ASSERT_TRUE(stopped);
+    const QByteArray doc = writer.Finish(10, 10, {0, 0, 10, 10});
+    EXPECT_LE(doc.size(), 2048);
+    EXPECT_TRUE(doc.endsWith("</g>\n</svg>\n"));
+    EXPECT_EQ(doc.count("<g"), doc.count("</g>"));
+}
+
+// EMF files played end to end: the document, the drawing and the styles.
+TEST(FaithfulEmf, EndToEnd) {
+    using namespace mfb;
+    const auto halved = [] {
+        return Emf()
+            .record(EMR_SETMAPMODE, Bytes().u32(8))
+            .record(EMR_SETWINDOWEXTEX, I32s({1000, 1000}))
+            .record(EMR_SETVIEWPORTEXTEX, I32s({500, 500}));
+    };
+    const Bytes box = I32s({10, 20, 50, 60});
+    const struct {
+        const char* name;
+        Emf file;
+        std::vector<const char*> fragments;
+    } rows[] = {
+        {"document",
+         Emf(),
+         {"<svg xmlns=\"http://www.w3.org/2000/svg\" version=\"1.1\" width=\"118.11\" "
+          "height=\"118.11\" viewBox=\"0 0 100 100\" preserveAspectRatio=\"none\" "
+          "fill=\"none\" stroke-linecap=\"round\" stroke-linejoin=\"round\">\n</svg>\n"}},
+        {"polyline halved",
+         halved().record(EMR_POLYLINE16,
+                         Bytes().zeros(16).u32(2).append(Points16({{10, 20}, {40, 60}}))),
+         {"<g stroke=\"#000\">\n<path d=\"M5 10 20 30\"/>\n</g>\n"}},
+        {"rectangle, white brush",
+         halved().record(EMR_RECTANGLE, box),
+         {"<g fill=\"#fff\" stroke=\"#000\">\n<path d=\"M5 10H25V30H5Z\"/>"}},
+        {"hatched brush, opaque",
+         Emf()
+             .record(EMR_CREATEBRUSHINDIRECT, U32s({1, 2, 0x0000FF, 4}))
+             .record(EMR_SELECTOBJECT, U32s({1}))
+             .record(EMR_RECTANGLE, box),
+         {"<pattern id=\"p1\" patternUnits=\"userSpaceOnUse\" width=\"8\" height=\"8\"><rect "
+          "width=\"8\" height=\"8\" fill=\"#fff\"/><path d=\"M0 3.5 8 3.5M3.5 0 3.5 8\" "
+          "stroke=\"#f00\" stroke-linecap=\"butt\"/></pattern>",
+          "fill=\"url(#p1)\""}},
+        {"path bracket filled",
+         Emf()
+             .record(EMR_BEGINPATH, Bytes())
+             .record(EMR_MOVETOEX, I32s({0, 0}))
+             .record(EMR_LINETO, I32s({10, 0}))
+             .record(EMR_LINETO, I32s({10, 10}))
+             .record(EMR_CLOSEFIGURE, Bytes())
+             .record(EMR_ENDPATH, Bytes())
+             .record(EMR_FILLPATH, I32s({0, 0, 0, 0})),
+         {"<g fill=\"#fff\">\n<path d=\"M0 0H10V10Z\"/>"}},
+        {"poly-polygon, alternate",
+         Emf().record(EMR_POLYPOLYGON16,
+                      Bytes().zeros(16).u32(2).u32(6).u32(3).u32(3).append(
+                          Points16({{0, 0}, {9, 0}, {0, 9}, {1, 1}, {5, 1}, {1, 5}}))),
+         {"fill-rule=\"evenodd\"", "<path d=\"M0 0H9L0 9ZM1 1H5L1 5Z\"/>"}},
+        {"null pen dashes nothing",
+         Emf()
+             .record(EMR_CREATEPEN, U32s({1, 5, 0, 0, 0}))
+             .record(EMR_SELECTOBJECT, U32s({1}))
+             .record(EMR_LINETO, I32s({10, 10})),
+         {"viewBox=\"0 0 100 100\" preserveAspectRatio=\"none\" fill=\"none\" "
+          "stroke-linecap=\"round\" stroke-linejoin=\"round\">\n</svg>\n"}},
+    };
+    for (const auto& row : rows) {
+        for (bool swapped : {false, true}) {
+            SetByteOrderOverride(swapped, swapped);
+            int status = 0;
+            const QString svg = Svg(row.file.build(true, swapped), &status);
+            SetByteOrderOverride(false, false);
+            EXPECT_EQ(status, 1) << row.name;
+            for (const char* f : row.fragments)
+                EXPECT_TRUE(svg.contains(QString::fromUtf8(f))) << row.name << "\n"
+                                                                << svg.toStdString();
+        }
+    }
+}
+
+// Hostile records: never a crash, always a closed document, and the named drawing.
+TEST(FaithfulEmf, HostileRecords) {
+    using namespace mfb;
+    const auto many = [](uint32_t type, const Bytes& payload, int n) {
+        Emf e;
+        for (int i = 0; i < n; ++i) e.record(type, payload);
+        return e;
+    };
+    const struct {
+        const char* name;
+        Emf file;
+        int paths;  // path elements drawn
+    } rows[] = {
+        {"points past the record",
+         Emf().record(EMR_POLYLINE16,
+                      Bytes().zeros(16).u32(1000000).append(Points16({{1, 1}, {2, 2}}))),
+         1},
+        {"polygon counts past the record",
+         Emf().record(EMR_POLYPOLYGON16, Bytes().zeros(16).u32(0x40000000).u32(3).u32(3)), 0},
+        {"point counts past the points",
+         Emf().record(EMR_POLYPOLYGON16, Bytes().zeros(16).u32(1).u32(9).u32(900).append(
+                                             Points16({{0, 0}, {9, 0}, {0, 9}}))),
+         1},
+        {"poly-draw types past the record",
+         Emf().record(EMR_POLYDRAW16,
+                      Bytes().zeros(16).u32(3).append(Points16({{0, 0}, {9, 0}, {0, 9}}))),
+         0},
+        {"huge extents",
+         Emf()
+             .record(EMR_SETMAPMODE, U32s({8}))
+             .record(EMR_SETWINDOWEXTEX, I32s({1, 1}))
+             .record(EMR_SETVIEWPORTEXTEX, I32s({INT32_MAX, INT32_MIN}))
+             .record(EMR_LINETO, I32s({INT32_MAX, INT32_MIN})),
+         1},
+        {"zero extents",
+         Emf()
+             .record(EMR_SETMAPMODE, U32s({7}))
+             .record(EMR_SETWINDOWEXTEX, I32s({0, 0}))
+             .record(EMR_SETVIEWPORTEXTEX, I32s({0, 5}))
+             .record(EMR_LINETO, I32s({5, 5})),
+         1},
+        {"singular transform",
+         Emf()
+             .record(EMR_SETWORLDTRANSFORM, Bytes().f32(0).f32(0).f32(0).f32(0).f32(1).f32(1))
+             .record(EMR_MODIFYWORLDTRANSFORM,
+                     Bytes().f32(NAN).f32(0).f32(0).f32(1).f32(0).f32(0).u32(2))
+             .record(EMR_LINETO, I32s({5, 5})),
+         1},
+        {"deep saves",
+         many(33, Bytes(), 5000)
+             .record(34, I32s({-5000}))
+             .record(34, I32s({INT32_MIN}))
+             .record(EMR_LINETO, I32s({5, 5})),
+         1},
+        {"handles out of range",
+         Emf()
+             .record(EMR_SELECTOBJECT, U32s({0xFFFFFFFF}))
+             .record(EMR_DELETEOBJECT, U32s({0x80000063}))
+             .record(EMR_CREATEPEN, U32s({0, 0, 5, 0, 0}))
+             .record(EMR_SELECTOBJECT, U32s({0}))
+             .record(EMR_LINETO, I32s({5, 5})),
+         1},
+        {"style entries past the record",
+         Emf()
+             .record(EMR_EXTCREATEPEN, U32s({1, 0, 0, 0, 0, 0x10007, 4, 0, 0, 0, 0xFFFFFFFF, 3}))
+             .record(EMR_SELECTOBJECT, U32s({1}))
+             .record(EMR_LINETO, I32s({5, 5})),
+         1},
+        {"angle arc not finite",
+         Emf().record(EMR_ANGLEARC, Bytes().i32(5).i32(5).i32(5).f32(NAN).f32(INFINITY)), 0},
+        {"pattern brush without bitmap",
+         Emf()
+             .record(94, U32s({1, 0, 999, 40, 9999, 4}))
+             .record(EMR_SELECTOBJECT, U32s({1}))
+             .record(EMR_RECTANGLE, I32s({0, 0, 9, 9})),
+         1},
+        {"record shorter than its header",
+         Emf().recordWithSize(EMR_LINETO, 4, I32s({5, 5})).record(EMR_LINETO, I32s({5, 5})), 0},
+    };
+    for (const auto& row : rows) {
+        int status = 0;
+        const QString svg = Svg(row.file.build(), &status);
+        EXPECT_EQ(status, 1) << row.name;
+        EXPECT_TRUE(svg.endsWith("</svg>\n")) << row.name;
+        EXPECT_EQ(svg.count("<path d="), row.paths) << row.name << "\n" << svg.toStdString();
+    }
+    // A header whose byte count is not the size given, and a file too short for any header.
+    int status = 0;
+    QByteArray file = Emf().build();
+    file.append('\0');
+    Svg(file, &status);
+    EXPECT_EQ(status, -2);
+    Svg(QByteArray(10, '\0'), &status);
+    EXPECT_EQ(status, 0);
+}
