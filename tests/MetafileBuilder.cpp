@@ -188,6 +188,11 @@ Wmf& Wmf::maxRecord(uint32_t words) {
     return *this;
 }
 
+Wmf& Wmf::objects(uint16_t count) {
+    m_objects = count;
+    return *this;
+}
+
 Wmf& Wmf::record(uint16_t function, const Bytes& params) {
     return recordWithSize(function, (uint32_t)(3 + params.size() / 2 + params.size() % 2), params);
 }
@@ -209,7 +214,7 @@ QByteArray Wmf::build(bool eof, bool swapped) const {
         file.u16(m_inch).u32(0).u16(0);
     }
     const uint32_t words = (uint32_t)(18 + body.size()) / 2;
-    file.u16(1).u16(9).u16(0x0300).u32(words).u16(0);
+    file.u16(1).u16(9).u16(0x0300).u32(words).u16(m_objects);
     file.u32(m_maxRecord >= 0 ? (uint32_t)m_maxRecord : m_largest).u16(0);
     file.append(body);
     return file.toByteArray(swapped);

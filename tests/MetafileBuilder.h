@@ -176,6 +176,8 @@ class Wmf {
     // A placeable header with this bounding box and Inch.
     Wmf& placeable(int16_t l, int16_t t, int16_t r, int16_t b, uint16_t inch);
     Wmf& maxRecord(uint32_t words);
+    // The header's object count (otherwise 0).
+    Wmf& objects(uint16_t count);
     // A record: rdSize (words), rdFunction, then the parameters.
     Wmf& record(uint16_t function, const Bytes& params);
     // A record whose rdSize says `words` whatever the parameters hold.
@@ -187,6 +189,7 @@ class Wmf {
     int16_t m_box[4] = {0, 0, 0, 0};
     uint16_t m_inch = 0;
     int64_t m_maxRecord = -1;
+    uint16_t m_objects = 0;
     uint32_t m_largest = 3;
     Bytes m_body;
 };
