@@ -1,7 +1,10 @@
 #define TRACE_FILE "BEndTools"
 #include "byteorder/BEndTools.h"
 
+#include <algorithm>
+
 #include "api/Trace.h"
+#include "byteorder/RecordReader.h"
 
 namespace {
 int g_orderOverride = -1;  // -1 probe the host, 0 little-endian, 1 big-endian
@@ -58,6 +61,107 @@ void SwapWideString(WCHAR16* text, unsigned int capacity) {
         if (text[i] == 0) break;
     }
 }
+}  // namespace byteorder
+
+namespace byteorder {
+namespace {
+
+// Calls visit(offset, width) for each field of a layout string, in order; returns their size.
+template <class Visit>
+size_t ForEachField(const char* fields, Visit visit) {
+    size_t at = 0;
+    for (const char* c = fields; *c != 0;) {
+        const char letter = *c++;
+        if (letter == ' ') continue;
+        unsigned count = 0;
+        while (*c >= '0' && *c <= '9') count = count * 10 + (unsigned)(*c++ - '0');
+        const unsigned width = letter == 'b' ? 1 : letter == 'w' ? 2 : 4;  // d, f: 4
+        for (unsigned i = 0; i < (count ? count : 1); ++i, at += width) visit(at, width);
+    }
+    return at;
+}
+
+void SwapFields(unsigned char* p, const char* fields) {
+    ForEachField(fields, [p](size_t at, unsigned width) {
+        if (width > 1) std::reverse(p + at, p + at + width);
+    });
+}
+
+// The host-order value of the 16- or 32-bit field at `p`.
+uint32_t ReadField(const unsigned char* p, unsigned width) {
+    if (width == 2) {
+        uint16_t v;
+        std::memcpy(&v, p, 2);
+        return v;
+    }
+    uint32_t v = 0;
+    if (width == 4) std::memcpy(&v, p, 4);
+    return v;
+}
+
+// Converts the elements of a trailing array, `declared` of them from byte `at`, that lie inside
+// the record's `size` bytes. Returns the sum of their values when they are single fields.
+uint64_t SwapArray(unsigned char* record, size_t size, uint64_t at, uint64_t declared,
+                   const char* element) {
+    if (at >= size) return 0;
+    const size_t width = FieldsSize(element);
+    const uint32_t n = records::FitCount(declared, (size_t)at, width, size);
+    uint64_t sum = 0;
+    for (uint32_t i = 0; i < n; ++i) {
+        unsigned char* e = record + at + (size_t)i * width;
+        SwapFields(e, element);
+        if (width <= 4) sum += ReadField(e, (unsigned)width);
+    }
+    return sum;
+}
+
+}  // namespace
+
+size_t FieldsSize(const char* fields) {
+    return ForEachField(fields, [](size_t, unsigned) {});
+}
+
+unsigned FieldWidthAt(const char* fields, size_t offset) {
+    unsigned found = 0;
+    ForEachField(fields, [&](size_t at, unsigned width) {
+        if (at == offset) found = width;
+    });
+    return found;
+}
+
+int Normalise(void* record, const Layout& layout, size_t size) {
+    TRACE_ENTER();
+    if (!IsBigEndian()) TRACE_RETURN(1);
+    auto* p = static_cast<unsigned char*>(record);
+    SwapFields(p, layout.fields);
+    if (layout.element) {
+        const uint32_t count =
+            ReadField(p + layout.countAt, FieldWidthAt(layout.fields, layout.countAt));
+        const uint64_t listed = SwapArray(p, size, layout.arrayAt, count, layout.element);
+        if (layout.point) {
+            // Poly-lists: the points follow all the declared counts.
+            const uint64_t declared =
+                layout.declaredPointsAt
+                    ? ReadField(p + layout.declaredPointsAt,
+                                FieldWidthAt(layout.fields, layout.declaredPointsAt))
+                    : 0;
+            SwapArray(p, size, layout.arrayAt + (uint64_t)count * FieldsSize(layout.element),
+                      std::max(declared, listed), layout.point);
+        }
+    }
+    TRACE_RETURN(1);
+}
+
+int NormaliseCopy(void* dst, const unsigned char* src, size_t size, const Layout& layout) {
+    TRACE_ENTER();
+    if (!IsBigEndian()) TRACE_RETURN(0);
+    auto* p = static_cast<unsigned char*>(dst);
+    std::memcpy(p, src, size);
+    const size_t fixed = FieldsSize(layout.fields);
+    if (size < fixed) std::memset(p + size, 0, fixed - size);
+    TRACE_RETURN(Normalise(p, layout, size));
+}
+
 }  // namespace byteorder
 
 using byteorder::Swap;

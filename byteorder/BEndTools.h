@@ -14,6 +14,7 @@
 #include <cstring>
 
 #include "MetafileStructs.h"
+#include "byteorder/Layouts.h"
 
 bool IsBigEndian();
 unsigned short LE2BE_Word(unsigned short v);
@@ -53,6 +54,49 @@ inline void SwapAll(T&... fields) {
 }
 // Converts a UTF-16 array unit by unit up to and including its first NUL.
 void SwapWideString(WCHAR16* text, unsigned int capacity);
+}  // namespace byteorder
+
+// The routine that converts any structure by its layout (Layouts.h).
+namespace byteorder {
+
+// The size in bytes of a layout string's fields.
+size_t FieldsSize(const char* fields);
+// The width in bytes of the field that starts `offset` bytes into a layout string; 0 when no
+// field starts there.
+unsigned FieldWidthAt(const char* fields, size_t offset);
+
+// On a big-endian host, converts a record of `size` bytes in place: all its fixed fields, which
+// must be readable (a record copy is zero-filled up to them), and, of its trailing array, the
+// elements that lie inside the record, whatever count it declares. Returns 1.
+int Normalise(void* record, const Layout& layout, size_t size);
+// Returns 0 on a little-endian host. On a big-endian host copies `size` bytes from `src` into
+// `dst`, zero-fills `dst` up to the end of the fixed fields when `size` stops short of it,
+// converts the copy as Normalise does and returns 1.
+int NormaliseCopy(void* dst, const unsigned char* src, size_t size, const Layout& layout);
+
+// The forms of a structure T with layout kLayout<T>. Records with a trailing array take the
+// record's size; the destination of CopyArray holds that size plus records::kRecordPadding.
+template <class T>
+int InPlace(T& r) {
+    static_assert(kLayout<T>.fields && !kLayout<T>.element, "a fixed layout");
+    return Normalise(&r, kLayout<T>, sizeof r);
+}
+template <class T>
+int InPlaceArray(T& r, unsigned int size) {
+    static_assert(kLayout<T>.element, "a layout with a trailing array");
+    return Normalise(&r, kLayout<T>, size);
+}
+template <class T>
+int Copy(T* dst, const unsigned char* src) {
+    static_assert(kLayout<T>.fields && !kLayout<T>.element, "a fixed layout");
+    return NormaliseCopy(dst, src, sizeof *dst, kLayout<T>);
+}
+template <class T>
+int CopyArray(T* dst, const unsigned char* src, unsigned int size) {
+    static_assert(kLayout<T>.element, "a layout with a trailing array");
+    return NormaliseCopy(dst, src, size, kLayout<T>);
+}
+
 }  // namespace byteorder
 
 // Header and record-prefix normalisers.
