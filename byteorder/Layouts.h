@@ -88,14 +88,17 @@ LAYOUT(tagEMRTEXT, "d2 d3 d4 d");
 LAYOUT(tagEMREXTTEXTOUTA, "d2 d4 d f2  d2 d3 d4 d");
 LAYOUT(tagEMRSMALLTEXTOUT, "d2 d2 d3 f2");
 // Point lists; EMR_POLYDRAW16's point types, after the points, are bytes.
-LAYOUT(tagEMRPOLYLINE, "d2 d4 d", "d2", offsetof(tagEMRPOLYLINE, cptl), EMR_POLY_POINTS_OFFSET);
-LAYOUT(tagEMRPOLYLINE16, "d2 d4 d", "w2", offsetof(tagEMRPOLYLINE16, cpts), EMR_POLY_POINTS_OFFSET);
-LAYOUT(tagEMRPOLYDRAW16, "d2 d4 d", "w2", offsetof(tagEMRPOLYDRAW16, cpts), EMR_POLY_POINTS_OFFSET);
+LAYOUT(tagEMRPOLYLINE, "d2 d4 d", kLayout<tagPOINT>.fields, offsetof(tagEMRPOLYLINE, cptl),
+       EMR_POLY_POINTS_OFFSET);
+LAYOUT(tagEMRPOLYLINE16, "d2 d4 d", kLayout<tagPOINTS>.fields, offsetof(tagEMRPOLYLINE16, cpts),
+       EMR_POLY_POINTS_OFFSET);
+LAYOUT(tagEMRPOLYDRAW16, "d2 d4 d", kLayout<tagPOINTS>.fields, offsetof(tagEMRPOLYDRAW16, cpts),
+       EMR_POLY_POINTS_OFFSET);
 // Poly-lists: as many points as the record declares or its counts add up to, whichever is more.
 LAYOUT(tagEMRPOLYPOLYLINE, "d2 d4 d2", "d", offsetof(tagEMRPOLYPOLYLINE, nPolys),
-       EMR_POLYPOLY_COUNTS_OFFSET, "d2", offsetof(tagEMRPOLYPOLYLINE, cptl));
+       EMR_POLYPOLY_COUNTS_OFFSET, kLayout<tagPOINT>.fields, offsetof(tagEMRPOLYPOLYLINE, cptl));
 LAYOUT(tagEMRPOLYPOLYLINE16, "d2 d4 d2", "d", offsetof(tagEMRPOLYPOLYLINE16, nPolys),
-       EMR_POLYPOLY_COUNTS_OFFSET, "w2", offsetof(tagEMRPOLYPOLYLINE16, cpts));
+       EMR_POLYPOLY_COUNTS_OFFSET, kLayout<tagPOINTS>.fields, offsetof(tagEMRPOLYPOLYLINE16, cpts));
 // Region records: the fields before the region data, which is converted on its own.
 LAYOUT(_RGNDATAHEADER, "d4 d4");
 LAYOUT(_RGNDATA, "d4 d4");
@@ -125,10 +128,10 @@ LAYOUT(tagWMRPATBLT, "d w d w4");
 LAYOUT(tagWMRBITBLT, "d w d w6");
 LAYOUT(tagWMRDIBSTRETCHBLT, "d w d w8");
 LAYOUT(tagWMRSTRETCHBLT, "d w d w9");
-LAYOUT(tagWMRPOLYLINE, "d w w", "w2", offsetof(tagWMRPOLYLINE, NumberOfPoints),
+LAYOUT(tagWMRPOLYLINE, "d w w", kLayout<tagPOINTS>.fields, offsetof(tagWMRPOLYLINE, NumberOfPoints),
        offsetof(tagWMRPOLYLINE, aPoints));
 LAYOUT(tagWMRPOLYPOLYLINE, "d w w", "w", offsetof(tagWMRPOLYPOLYLINE, NumberOfPolygons),
-       offsetof(tagWMRPOLYPOLYLINE, aPointsPerPolygon), "w2");
+       offsetof(tagWMRPOLYPOLYLINE, aPointsPerPolygon), kLayout<tagPOINTS>.fields);
 
 #undef LAYOUT
 #undef LOGFONTW_FIELDS
