@@ -42,6 +42,22 @@ struct Width {
 };
 #define W(T, m) Width(offsetof(T, m), sizeof(((T*)nullptr)->m))
 
+// Fields of `width` bytes from byte `from` up to `end`.
+std::vector<Width> Run(size_t from, size_t end, size_t width) {
+    std::vector<Width> run;
+    for (size_t at = from; at < end; at += width) run.push_back({at, width});
+    return run;
+}
+std::vector<Width> Emf32(size_t end) {
+    return Run(0, end, 4);
+}
+// A WMF record's 32-bit size, then 16-bit fields (the function and parameters).
+std::vector<Width> Wmf16(size_t end) {
+    std::vector<Width> fields = Run(4, end, 2);
+    fields.push_back({0, 4});
+    return fields;
+}
+
 // The fixed fields of `layout` end at `end`, and a field of each member's width starts at its
 // offset: the first and last member of each run of equally wide fields are named.
 void ExpectFields(const char* name, const byteorder::Layout& layout, size_t end,
@@ -51,36 +67,23 @@ void ExpectFields(const char* name, const byteorder::Layout& layout, size_t end,
         EXPECT_EQ(FieldWidthAt(layout.fields, m.offset), m.width) << name << " at " << m.offset;
 }
 
-// The fixed fields end at `end` and are all `width` bytes wide.
-void ExpectUniform(const char* name, const byteorder::Layout& layout, size_t end, size_t width) {
-    std::vector<Width> all;
-    for (size_t at = 0; at < end; at += width) all.push_back({at, width});
-    ExpectFields(name, layout, end, all);
-}
-
+// Structures of `width`-byte fields only; WMF records with a prefix and, when `params16`,
+// 16-bit parameters only.
 template <size_t width, class... T>
 void ExpectUniform() {
-    (ExpectUniform(typeid(T).name(), kLayout<T>, sizeof(T), width), ...);
+    (ExpectFields(typeid(T).name(), kLayout<T>, sizeof(T), Run(0, sizeof(T), width)), ...);
 }
-
-// WMF records: the 32-bit size and the 16-bit function, and with `params16` only 16-bit fields
-// after them.
 template <bool params16, class... T>
 void ExpectWmfRecords() {
-    const auto expect = [](const char* name, const byteorder::Layout& layout, size_t end) {
-        std::vector<Width> fields{{0, 4}, {4, 2}};
-        for (size_t at = 6; params16 && at < end; at += 2) fields.push_back({at, 2});
-        ExpectFields(name, layout, end, fields);
-    };
-    (expect(typeid(T).name(), kLayout<T>, sizeof(T)), ...);
+    (ExpectFields(typeid(T).name(), kLayout<T>, sizeof(T), Wmf16(params16 ? sizeof(T) : 6)), ...);
 }
 
 // A trailing array starts where the fixed fields end and is counted by a 16- or 32-bit field;
 // its elements (and a poly-list's points) are as wide as the structure's, and an integer
 // element is one field.
-void ExpectArray(const char* name, const byteorder::Layout& layout, size_t at, size_t element,
-                 bool integer, size_t point) {
-    EXPECT_EQ(FieldsSize(layout.fields), at) << name;
+void ExpectArray(const char* name, const byteorder::Layout& layout, size_t at,
+                 std::vector<Width> fixed, size_t element, bool integer, size_t point) {
+    ExpectFields(name, layout, at, fixed);
     EXPECT_EQ(layout.arrayAt, at) << name;
     EXPECT_GE(FieldWidthAt(layout.fields, layout.countAt), 2u) << name;
     EXPECT_EQ(layout.element ? FieldsSize(layout.element) : 0, element) << name;
@@ -107,9 +110,10 @@ TEST(ByteOrder, LayoutsMatchThePublishedStructures) {
     ExpectWmfRecords<false, tagWMRCREATEPEN, tagWMRCREATEBRUSHINDIRECT, tagWMREXTCREATEFONTINDIRECT,
                      tagWMRPATBLT, tagWMRBITBLT, tagWMRDIBSTRETCHBLT, tagWMRSTRETCHBLT>();
 #define WHOLE(T, ...) ExpectFields(#T, kLayout<T>, sizeof(T), {__VA_ARGS__})
-#define UNTIL(T, m) ExpectUniform(#T, kLayout<T>, offsetof(T, m), 4)
-#define ARRAY(T, m, point)                                                   \
-    ExpectArray(#T, kLayout<T>, offsetof(T, m), sizeof(((T*)nullptr)->m[0]), \
+#define UNTIL(T, m) ExpectFields(#T, kLayout<T>, offsetof(T, m), Emf32(offsetof(T, m)))
+#define ARRAY(T, m, fixed, point)                                      \
+    ExpectArray(#T, kLayout<T>, offsetof(T, m), fixed(offsetof(T, m)), \
+                sizeof(((T*)nullptr)->m[0]),                           \
                 std::is_integral_v<std::remove_reference_t<decltype(((T*)nullptr)->m[0])>>, point)
     using ENH = tagENHMETAHEADER;
     using PMH = _PlaceableMetaHeader;
@@ -139,26 +143,18 @@ TEST(ByteOrder, LayoutsMatchThePublishedStructures) {
           W(tagWMRDIBSTRETCHBLT, SrcHeight), W(tagWMRDIBSTRETCHBLT, XDest));
     WHOLE(tagWMRSTRETCHBLT, W(tagWMRSTRETCHBLT, RasterOperation), W(tagWMRSTRETCHBLT, ColorUsage),
           W(tagWMRSTRETCHBLT, XDest));
-    ExpectFields("tagWMRPOLYLINE", kLayout<tagWMRPOLYLINE>, 8, {{0, 4}, {4, 2}, {6, 2}});
-    ExpectFields("tagWMRPOLYPOLYLINE", kLayout<tagWMRPOLYPOLYLINE>, 8, {{0, 4}, {4, 2}, {6, 2}});
     UNTIL(tagEXTLOGPEN, elpStyleEntry);
-    UNTIL(tagEMREXTCREATEPEN, elp.elpStyleEntry);
-    UNTIL(tagEMRPOLYLINE, aptl);
-    UNTIL(tagEMRPOLYLINE16, apts);
-    UNTIL(tagEMRPOLYDRAW16, apts);
-    UNTIL(tagEMRPOLYPOLYLINE, aPolyCounts);
-    UNTIL(tagEMRPOLYPOLYLINE16, aPolyCounts);
     UNTIL(tagEMRFILLRGN, RgnData);
     UNTIL(tagEMRFRAMERGN, RgnData);
     UNTIL(tagEMREXTSELECTCLIPRGN, RgnData);
-    ARRAY(tagEMREXTCREATEPEN, elp.elpStyleEntry, 0);
-    ARRAY(tagEMRPOLYLINE, aptl, 0);
-    ARRAY(tagEMRPOLYLINE16, apts, 0);
-    ARRAY(tagEMRPOLYDRAW16, apts, 0);
-    ARRAY(tagEMRPOLYPOLYLINE, aPolyCounts, sizeof(tagPOINT));
-    ARRAY(tagEMRPOLYPOLYLINE16, aPolyCounts, sizeof(tagPOINTS));
-    ARRAY(tagWMRPOLYLINE, aPoints, 0);
-    ARRAY(tagWMRPOLYPOLYLINE, aPointsPerPolygon, sizeof(tagPOINTS));
+    ARRAY(tagEMREXTCREATEPEN, elp.elpStyleEntry, Emf32, 0);
+    ARRAY(tagEMRPOLYLINE, aptl, Emf32, 0);
+    ARRAY(tagEMRPOLYLINE16, apts, Emf32, 0);
+    ARRAY(tagEMRPOLYDRAW16, apts, Emf32, 0);
+    ARRAY(tagEMRPOLYPOLYLINE, aPolyCounts, Emf32, sizeof(tagPOINT));
+    ARRAY(tagEMRPOLYPOLYLINE16, aPolyCounts, Emf32, sizeof(tagPOINTS));
+    ARRAY(tagWMRPOLYLINE, aPoints, Wmf16, 0);
+    ARRAY(tagWMRPOLYPOLYLINE, aPointsPerPolygon, Wmf16, sizeof(tagPOINTS));
 #undef WHOLE
 #undef UNTIL
 #undef ARRAY
