@@ -2,8 +2,9 @@
 //
 // `src` is a handler's record copy, zero-filled up to the fixed fields its handler reads, so
 // the fixed fields of a short record read as zero. Normalisers of records with trailing arrays
-// also take the record's real size and convert only the elements that lie inside it; their
-// `dst` must be a buffer of at least that size plus the padding (a records::ScratchCopy).
+// also take the record's real size, copy that many bytes and convert only the elements that
+// lie inside it; their `dst` must be a buffer of at least that size plus the padding (a
+// records::ScratchCopy).
 #ifndef SVGMODULE_WMFNORMALISERS_H
 #define SVGMODULE_WMFNORMALISERS_H
 
@@ -12,31 +13,32 @@
 #include <cstring>
 
 #include "MetafileStructs.h"
+#include "byteorder/BEndTools.h"
 
 // Embedded structures; `src` points at the structure itself.
-int InitWMRPOINTS(tagPOINTS* dst, const unsigned char* src);
-int InitLOGPEN16(tagLOGPEN16* dst, const unsigned char* src);
-int InitLOGBRUSH16(tagLOGBRUSH16* dst, const unsigned char* src);
-int InitFONTSPEC(FONTSPEC* dst, const unsigned char* src);
+inline constexpr auto& InitWMRPOINTS = byteorder::Copy<tagPOINTS>;
+inline constexpr auto& InitLOGPEN16 = byteorder::Copy<tagLOGPEN16>;
+inline constexpr auto& InitLOGBRUSH16 = byteorder::Copy<tagLOGBRUSH16>;
+inline constexpr auto& InitFONTSPEC = byteorder::Copy<FONTSPEC>;
 
 // Fixed-layout records; `src` points at the record's size field.
-int InitWMRSETVIEWPORTORGEX(tagWMRSETVIEWPORTORGEX* dst, const unsigned char* src);
-int InitWMRCREATEPEN(tagWMRCREATEPEN* dst, const unsigned char* src);
-int InitWMRCREATEBRUSHINDIRECT(tagWMRCREATEBRUSHINDIRECT* dst, const unsigned char* src);
-int InitWMREXTCREATEFONTINDIRECT(tagWMREXTCREATEFONTINDIRECT* dst, const unsigned char* src);
-int InitWMRSELECTOBJECT(tagWMRSELECTOBJECT* dst, const unsigned char* src);
-int InitWMRSETBKMODE(tagWMRSETBKMODE* dst, const unsigned char* src);
-int InitWMRLINETO(tagWMRLINETO* dst, const unsigned char* src);
-int InitWMRELLIPSE(tagWMRELLIPSE* dst, const unsigned char* src);
-int InitWMRPATBLT(tagWMRPATBLT* dst, const unsigned char* src);
-int InitWMRBITBLT(tagWMRBITBLT* dst, const unsigned char* src);
-int InitWMRDIBSTRETCHBLT(tagWMRDIBSTRETCHBLT* dst, const unsigned char* src);
-int InitWMRSTRETCHBLT(tagWMRSTRETCHBLT* dst, const unsigned char* src);
-int InitWMREXTTEXTOUT(tagWMREXTTEXTOUT* dst, const unsigned char* src);
+inline constexpr auto& InitWMRSETVIEWPORTORGEX = byteorder::Copy<tagWMRSETVIEWPORTORGEX>;
+inline constexpr auto& InitWMRCREATEPEN = byteorder::Copy<tagWMRCREATEPEN>;
+inline constexpr auto& InitWMRCREATEBRUSHINDIRECT = byteorder::Copy<tagWMRCREATEBRUSHINDIRECT>;
+inline constexpr auto& InitWMREXTCREATEFONTINDIRECT = byteorder::Copy<tagWMREXTCREATEFONTINDIRECT>;
+inline constexpr auto& InitWMRSELECTOBJECT = byteorder::Copy<tagWMRSELECTOBJECT>;
+inline constexpr auto& InitWMRSETBKMODE = byteorder::Copy<tagWMRSETBKMODE>;
+inline constexpr auto& InitWMRLINETO = byteorder::Copy<tagWMRLINETO>;
+inline constexpr auto& InitWMRELLIPSE = byteorder::Copy<tagWMRELLIPSE>;
+inline constexpr auto& InitWMRPATBLT = byteorder::Copy<tagWMRPATBLT>;
+inline constexpr auto& InitWMRBITBLT = byteorder::Copy<tagWMRBITBLT>;
+inline constexpr auto& InitWMRDIBSTRETCHBLT = byteorder::Copy<tagWMRDIBSTRETCHBLT>;
+inline constexpr auto& InitWMRSTRETCHBLT = byteorder::Copy<tagWMRSTRETCHBLT>;
+inline constexpr auto& InitWMREXTTEXTOUT = byteorder::Copy<tagWMREXTTEXTOUT>;
 
 // Records with trailing arrays, `size` bytes long.
-int InitWMRPOLYLINE(tagWMRPOLYLINE* dst, const unsigned char* src, unsigned int size);
-int InitWMRPOLYPOLYLINE(tagWMRPOLYPOLYLINE* dst, const unsigned char* src, unsigned int size);
+inline constexpr auto& InitWMRPOLYLINE = byteorder::CopyArray<tagWMRPOLYLINE>;
+inline constexpr auto& InitWMRPOLYPOLYLINE = byteorder::CopyArray<tagWMRPOLYPOLYLINE>;
 
 // Byte offset of the first point of META_POLYLINE and META_POLYGON.
 constexpr size_t kWmfPolyLinePointsOffset = 8;
