@@ -80,6 +80,7 @@ void EmfPlayer::Walk(const unsigned char* data, const tagENHMETAHEADER& header) 
         if (const Entry* entry = EntryFor(emr.iType)) {
             unsigned char* copy = m_copy.Fill(data + pos, emr.nSize, entry->fixed);
             const DeviceSvg::Mark mark = m_writer.GetMark();
+            m_type = emr.iType;
             try {
                 (this->*(entry->decode))(copy, emr.nSize);
             } catch (const OutputLimitReached&) {

@@ -99,6 +99,9 @@ class EmfPlayer {
     DeviceContext m_dc;
     records::RecordBuffer m_copy;
     std::vector<PointF> m_points;  // reused for every point list
+    // The type of the record being decoded, read before any normaliser converts the record's
+    // header in place (decoders that serve several types tell them apart by it).
+    uint32_t m_type = 0;
 };
 
 // The 32-bit little-endian field at `offset` of a record copy, in host order (for records no

@@ -75,7 +75,7 @@ void EmfPlayer::OnPointList(unsigned char* r, uint32_t size) {
     InitEMRPOLYGON(l, size);
     const uint32_t n = records::FitCount(l.cptl, EMR_POLY_POINTS_OFFSET, sizeof(tagPOINT), size);
     ReadPoints<tagPOINT>(r + EMR_POLY_POINTS_OFFSET, n, m_points);
-    DrawPoints(Field32(r, 0), m_points);
+    DrawPoints(m_type, m_points);
 }
 
 void EmfPlayer::OnPointList16(unsigned char* r, uint32_t size) {
@@ -83,7 +83,7 @@ void EmfPlayer::OnPointList16(unsigned char* r, uint32_t size) {
     InitEMRPOLYGON16(l, size);
     const uint32_t n = records::FitCount(l.cpts, EMR_POLY_POINTS_OFFSET, sizeof(tagPOINTS), size);
     ReadPoints<tagPOINTS>(r + EMR_POLY_POINTS_OFFSET, n, m_points);
-    DrawPoints(Field32(r, 0), m_points);
+    DrawPoints(m_type, m_points);
 }
 
 void EmfPlayer::OnPolyPoly(unsigned char* r, uint32_t size) {
@@ -91,7 +91,7 @@ void EmfPlayer::OnPolyPoly(unsigned char* r, uint32_t size) {
     InitEMRPOLYPOLYGON(reinterpret_cast<tagEMRPOLYPOLYGON*>(copy.data()), r, size);
     std::vector<uint32_t> counts;
     if (!ReadPolyList<tagPOINT>(copy.data(), size, counts, m_points)) return;
-    if (Field32(r, 0) == emr::POLYPOLYGON)
+    if (m_type == emr::POLYPOLYGON)
         m_dc.PolyPolygon(m_points.data(), m_points.size(), counts.data(), counts.size());
     else
         m_dc.PolyPolyline(m_points.data(), m_points.size(), counts.data(), counts.size());
@@ -102,7 +102,7 @@ void EmfPlayer::OnPolyPoly16(unsigned char* r, uint32_t size) {
     InitEMRPOLYPOLYGON16(reinterpret_cast<tagEMRPOLYPOLYGON16*>(copy.data()), r, size);
     std::vector<uint32_t> counts;
     if (!ReadPolyList<tagPOINTS>(copy.data(), size, counts, m_points)) return;
-    if (Field32(r, 0) == emr::POLYPOLYGON16)
+    if (m_type == emr::POLYPOLYGON16)
         m_dc.PolyPolygon(m_points.data(), m_points.size(), counts.data(), counts.size());
     else
         m_dc.PolyPolyline(m_points.data(), m_points.size(), counts.data(), counts.size());

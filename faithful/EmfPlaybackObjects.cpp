@@ -101,7 +101,7 @@ void EmfPlayer::OnCreatePatternBrush(unsigned char* r, uint32_t size) {
     o.brush.style = gdi::BS_DIBPATTERNPT;
     o.brush.pattern = DecodePattern(r, size);
     // A monochrome brush takes the text and background colours when it is drawn.
-    o.brush.monochrome = Field32(r, 0) == emr::CREATEMONOBRUSH;
+    o.brush.monochrome = m_type == emr::CREATEMONOBRUSH;
     m_dc.CreateObjectAt(Field32(r, kBrushIndex), o);
 }
 
@@ -129,7 +129,7 @@ void EmfPlayer::OnCreateFont(unsigned char* r, uint32_t) {
 
 void EmfPlayer::OnCreateOther(unsigned char* r, uint32_t) {
     GdiObject o;
-    o.kind = Field32(r, 0) == emr::CREATEPALETTE ? GdiObject::Kind::Palette
+    o.kind = m_type == emr::CREATEPALETTE ? GdiObject::Kind::Palette
                                                  : GdiObject::Kind::ColorSpace;
     m_dc.CreateObjectAt(Field32(r, 8), o);
 }

@@ -4,7 +4,7 @@
 namespace faithful {
 
 void EmfPlayer::OnPathRecord(unsigned char* r, uint32_t) {
-    switch (Field32(r, 0)) {
+    switch (m_type) {
         case emr::BEGINPATH:
             return m_dc.BeginPath();
         case emr::ENDPATH:

@@ -32,7 +32,7 @@ bool PatternOnly(uint32_t rop) {
 void EmfPlayer::OnBox(unsigned char* r, uint32_t) {
     tagEMRRECTANGLE& b = As<tagEMRRECTANGLE>(r);
     InitEMRRECTANGLE(b);  // the same layout as EMR_ELLIPSE
-    if (Field32(r, 0) == emr::ELLIPSE)
+    if (m_type == emr::ELLIPSE)
         m_dc.Ellipse(RectOf(b.rclBox));
     else
         m_dc.Rectangle(RectOf(b.rclBox));
@@ -49,7 +49,7 @@ void EmfPlayer::OnArc(unsigned char* r, uint32_t) {
     InitEMRARC(a);
     const RectF box = RectOf(a.rclBox);
     const PointF start = PointOf(a.ptlStart), end = PointOf(a.ptlEnd);
-    switch (Field32(r, 0)) {
+    switch (m_type) {
         case emr::ARC:
             return m_dc.Arc(box, start, end);
         case emr::ARCTO:

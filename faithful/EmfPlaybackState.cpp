@@ -96,7 +96,7 @@ void EmfPlayer::OnSetMode(unsigned char* r, uint32_t) {
     tagEMRSETBKMODE& m = As<tagEMRSETBKMODE>(r);
     InitEMRSETBKMODE(m);
     const int v = (int)m.iMode;
-    switch (Field32(r, 0)) {
+    switch (m_type) {
         case emr::SETBKMODE:
             return m_dc.SetBkMode(v);
         case emr::SETPOLYFILLMODE:
@@ -117,7 +117,7 @@ void EmfPlayer::OnSetMode(unsigned char* r, uint32_t) {
 void EmfPlayer::OnSetColor(unsigned char* r, uint32_t) {
     tagEMRSETTEXTCOLOR& c = As<tagEMRSETTEXTCOLOR>(r);
     InitEMRCOLOR(c);
-    if (Field32(r, 0) == emr::SETTEXTCOLOR)
+    if (m_type == emr::SETTEXTCOLOR)
         m_dc.SetTextColor(c.crColor);
     else
         m_dc.SetBkColor(c.crColor);
