@@ -8,7 +8,7 @@
 #include <memory>
 
 #include "byteorder/BEndTools.h"
-#include "svg/SVGWriter.h"
+#include "svg/SvgBuffer.h"
 
 namespace faithful {
 
@@ -82,7 +82,7 @@ int WmfPlayer::Play(const unsigned char* data, uint64_t size, QByteArray& out) {
     const uint64_t begin = offset + sizeof header;
     m_dc.SetObjectTableSize(header.mtNoObjects);
     SetupDevice(isPlaceable ? &placeable : nullptr, data, begin, end);
-    m_writer.SetLimit(CMySVGWriter::OutputBudget(size));
+    m_writer.SetLimit(OutputBudget(size));
     Walk(data, begin, end);
     QByteArray svg = Finish();
     out.swap(svg);
