@@ -536,7 +536,8 @@ TEST(FaithfulEmf, EndToEnd) {
              .record(EMR_SELECTOBJECT, U32s({1}))
              .record(EMR_RECTANGLE, box),
          {"xmlns:xlink=\"http://www.w3.org/1999/xlink\"",
-          "width=\"8\" height=\"8\"><image width=\"8\" height=\"8\" "
+          "width=\"8\" height=\"8\"><image image-rendering=\"optimizeSpeed\" width=\"8\" "
+          "height=\"8\" "
           "xlink:href=\"data:image/png;base64,"}},
         {"null pen dashes nothing",
          Emf()
