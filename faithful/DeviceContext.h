@@ -223,8 +223,8 @@ class DeviceContext {
     // --- saved states --------------------------------------------------------------------
     // Keeps the state (mapping, modes, colours, selected objects; not the path).
     void SaveDC();
-    // level < 0: the state saved |level| saves ago; level > 0: the state of the level-th
-    // save counted from the first one still kept. Levels that name no saved state are ignored.
+    // level < 0: the state saved |level| saves ago; level > 0: the state of the level-th save
+    // of those still kept (1 is the oldest). Levels that name no saved state are ignored.
     void RestoreDC(int level);
     // How many states are saved.
     int SaveDepth() const;
@@ -235,6 +235,8 @@ class DeviceContext {
     void SetTextColor(uint32_t colorRef);
     void SetPolyFillMode(int mode);
     void SetArcDirection(int direction);
+    // R2_NOP draws nothing; R2_BLACK, R2_WHITE and R2_NOT (the inverse of a white page) draw
+    // black or white; R2_NOTCOPYPEN draws the inverted colours; the others draw as R2_COPYPEN.
     void SetRop2(int rop);
     void SetMiterLimit(double limit);      // ignored unless at least 1 and finite
     void SetBrushOrg(double x, double y);  // device units
@@ -279,6 +281,8 @@ class DeviceContext {
     void Rectangle(const RectF& box);
     void RoundRect(const RectF& box, double cornerW, double cornerH);
     void Ellipse(const RectF& box);
+    // Arcs run from the ray towards `start` to the ray towards `end` in the arc direction as
+    // seen on the device; start and end on one ray make a whole ellipse.
     void Arc(const RectF& box, PointF start, PointF end);
     void ArcTo(const RectF& box, PointF start, PointF end);
     void Chord(const RectF& box, PointF start, PointF end);
@@ -290,7 +294,8 @@ class DeviceContext {
     // One pixel (see PixelWidth) at `p` in the colour.
     void SetPixel(PointF p, uint32_t colorRef);
     // The rectangle at (x, y) of width w and height h filled by the raster operation
-    // (gdi::PATCOPY, PATINVERT, BLACKNESS, WHITENESS; DSTINVERT and others draw nothing).
+    // (gdi::PATCOPY; PATINVERT drawn as PATCOPY; BLACKNESS, WHITENESS; DSTINVERT and the
+    // others draw nothing). The brush is used as it is, without the binary raster operation.
     void PatBlt(const RectF& xywh, uint32_t rop);
 
     // --- path bracket ----------------------------------------------------------------------
@@ -302,7 +307,9 @@ class DeviceContext {
     void StrokePath();
     void StrokeAndFillPath();
     void FlattenPath();  // curves are kept: nothing changes
-    void WidenPath();    // the path becomes its outline as stroked by the pen
+    // The path becomes the outline of its stroke by the pen: filling it then draws the pen's
+    // stroke in the brush's colour, stroking it draws the pen's stroke.
+    void WidenPath();
     // Clipping comes with the clip records; the path is used up.
     void SelectClipPath(int mode);
     bool InPathBracket() const { return m_inBracket; }

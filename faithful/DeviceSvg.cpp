@@ -111,7 +111,7 @@ int DeviceSvg::PatternFor(const Fill& fill) {
     // The pattern's element, less its id, is its key.
     SvgBuffer p;
     p.Append(" patternUnits=\"userSpaceOnUse\"");
-    // A tile's pixels are `pixel` device units wide.
+    // A tile's pixels are `pixel` device units wide, drawn as squares (no smoothing).
     const double pixel = fill.pixel > 0 && std::isfinite(fill.pixel) ? fill.pixel : 1;
     if (Hundredths(fill.origin.x) != 0) p.Write(" x=\"", NumberText(fill.origin.x), "\"");
     if (Hundredths(fill.origin.y) != 0) p.Write(" y=\"", NumberText(fill.origin.y), "\"");
@@ -135,7 +135,8 @@ int DeviceSvg::PatternFor(const Fill& fill) {
         image.save(&device, "PNG");
         const QByteArray w = NumberText(image.width() * pixel),
                          h = NumberText(image.height() * pixel);
-        p.Write(" width=\"", w, "\" height=\"", h, "\"><image width=\"", w, "\" height=\"", h,
+        p.Write(" width=\"", w, "\" height=\"", h,
+                "\"><image image-rendering=\"optimizeSpeed\" width=\"", w, "\" height=\"", h,
                 "\" xlink:href=\"data:image/png;base64,", png.toBase64(), "\"/>");
         m_xlink = true;
     }

@@ -502,6 +502,43 @@ TEST(FaithfulEmf, EndToEnd) {
                       Bytes().zeros(16).u32(2).u32(6).u32(3).u32(3).append(
                           Points16({{0, 0}, {9, 0}, {0, 9}, {1, 1}, {5, 1}, {1, 5}}))),
          {"fill-rule=\"evenodd\"", "<path d=\"M0 0H9L0 9ZM1 1H5L1 5Z\"/>"}},
+        {"pattern-only bit block and a pixel",
+         Emf()
+             .record(EMR_BITBLT, EmfBlt(EMR_BITBLT, 10, 10, 20, 20, 0x42, Bytes(), Bytes()))
+             .record(15, I32s({5, 5}).u32(0x0000FF)),
+         {"<g fill=\"#000\">\n<path d=\"M10 10H30V30H10Z\"/>",
+          "<g fill=\"#f00\">\n<path d=\"M5 5H6V6H5Z\"/>"}},
+        {"widened path filled with the brush",
+         Emf()
+             .record(EMR_BEGINPATH, Bytes())
+             .record(EMR_LINETO, I32s({10, 10}))
+             .record(EMR_ENDPATH, Bytes())
+             .record(66, Bytes())
+             .record(EMR_FILLPATH, I32s({0, 0, 0, 0})),
+         {"<g stroke=\"#fff\">\n<path d=\"M0 0 10 10\"/>"}},
+        {"opaque rectangle of a text record",
+         Emf().record(EMR_EXTTEXTOUTW, Bytes()
+                                           .zeros(16)
+                                           .u32(1)
+                                           .f32(1)
+                                           .f32(1)
+                                           .zeros(12)
+                                           .u32(76)
+                                           .u32(2)
+                                           .append(I32s({1, 2, 3, 4}))
+                                           .u32(0)),
+         {"<g fill=\"#fff\">\n<path d=\"M1 2H3V4H1Z\"/>"}},
+        {"monochrome brush",
+         Emf()
+             .record(
+                 EMR_CREATEMONOBRUSH,
+                 U32s({1, 0, 32, 48, 80, 32}).append(BitmapInfo(8, 8, 1, {0, 0xFFFFFF})).zeros(32))
+             .record(EMR_SELECTOBJECT, U32s({1}))
+             .record(EMR_RECTANGLE, box),
+         {"xmlns:xlink=\"http://www.w3.org/1999/xlink\"",
+          "width=\"8\" height=\"8\"><image image-rendering=\"optimizeSpeed\" width=\"8\" "
+          "height=\"8\" "
+          "xlink:href=\"data:image/png;base64,"}},
         {"null pen dashes nothing",
          Emf()
              .record(EMR_CREATEPEN, U32s({1, 5, 0, 0, 0}))
