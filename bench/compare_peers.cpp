@@ -1,5 +1,6 @@
-// Conversion time of this library against open-source peers, file by file over the shared
-// corpus: libemf2svg for EMF files, libwmf's SVG device for WMF files.
+// Conversion time of this library, in its contract and its faithful mode, against open-source
+// peers, file by file over the shared corpus: libemf2svg for EMF files, libwmf's SVG device for
+// WMF files. "ours" is the contract mode; the faithful mode is timed beside it.
 //
 //     compare_peers [--corpus DIR] [--rounds N] [--csv FILE] [--summary-csv FILE]
 //
@@ -177,6 +178,14 @@ Outcome RunOurs(const QByteArray& in) {
     return {status == 1 || status == 2, svg.size()};
 }
 
+Outcome RunFaithful(const QByteArray& in) {
+    svgmodule_options options = SVGMODULE_OPTIONS_INIT;
+    options.mode = SVGMODULE_MODE_FAITHFUL;
+    QByteArray svg;
+    const int status = svgmodule_convert(in, svg, &options);
+    return {status == 1 || status == 2, svg.size()};
+}
+
 Outcome RunPeer(Format format, const QByteArray& in) {
     const peers::Result r = format == kEmf ? peers::Emf2svg(in.constData(), (size_t)in.size())
                                            : peers::Libwmf(in.constData(), (size_t)in.size());
@@ -219,7 +228,7 @@ struct Input {
     qint64 recordBytes = 0, handledBytes = 0;
     std::string oursProbe, peerProbe;
     Outcome ours{false, 0}, peer{false, 0};
-    std::vector<double> oursNs, peerNs;
+    std::vector<double> oursNs, peerNs, faithfulNs;
 
     bool handled() const {
         return records > 0 && handledRecords >= kHandledShare * records &&
@@ -230,6 +239,7 @@ struct Input {
     }
     double oursMedian() const { return Median(oursNs); }
     double peerMedian() const { return Median(peerNs); }
+    double faithfulMedian() const { return Median(faithfulNs); }
     double ratio() const { return oursMedian() / peerMedian(); }
     // Why the file is not compared; empty when it is.
     std::string excluded() const {
@@ -281,7 +291,7 @@ void Classify(Input& in, HandlerTable& table, const QString& logPath) {
 struct Summary {
     std::string group;
     int files = 0;
-    double ours = 0, peer = 0, bytes = 0, medianRatio = 0, worstRatio = 0;
+    double ours = 0, peer = 0, faithful = 0, bytes = 0, medianRatio = 0, worstRatio = 0;
     std::string worstFile;
 };
 
@@ -293,6 +303,7 @@ Summary Summarise(const std::string& group, const std::vector<const Input*>& fil
         ++s.files;
         s.ours += in->oursMedian();
         s.peer += in->peerMedian();
+        s.faithful += in->faithfulMedian();
         s.bytes += in->data.size();
         ratios.push_back(in->ratio());
         if (in->ratio() > s.worstRatio) {
@@ -314,6 +325,8 @@ void PrintSummary(const Summary& s, Format format) {
         "worst %5.2f (%s)  ours %6.1f MB/s\n",
         s.group.c_str(), s.files, s.ours / 1e6, kPeerName[format], s.peer / 1e6, s.ours / s.peer,
         s.medianRatio, s.worstRatio, s.worstFile.c_str(), s.bytes / (s.ours / 1e9) / 1e6);
+    std::printf("%-12s            faithful %9.2f ms  %.2f x contract  %.2f x %s\n", "",
+                s.faithful / 1e6, s.faithful / s.ours, s.faithful / s.peer, kPeerName[format]);
 }
 
 bool WriteCsv(const std::string& path, const std::vector<Input>& inputs) {
@@ -381,7 +394,10 @@ int main(int argc, char** argv) {
     HandlerTable table(logPath);
     std::fprintf(stderr, "probing %zu files...\n", inputs.size());
     for (Input& in : inputs) {
-        in.oursProbe = ProbeInChild([&] { RunOurs(in.data); });
+        in.oursProbe = ProbeInChild([&] {
+            RunOurs(in.data);
+            RunFaithful(in.data);
+        });
         in.peerProbe = ProbeInChild([&] { RunPeer(in.format, in.data); });
         if (in.oursProbe.empty()) {
             in.ours = RunOurs(in.data);
@@ -397,7 +413,10 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "\rround %ld/%ld", r + 1, rounds);
         for (size_t i = 0; i < timed.size(); ++i) {
             Input& in = *timed[i];
-            const auto ours = [&] { in.oursNs.push_back(TimeNs([&] { RunOurs(in.data); })); };
+            const auto ours = [&] {
+                in.oursNs.push_back(TimeNs([&] { RunOurs(in.data); }));
+                in.faithfulNs.push_back(TimeNs([&] { RunFaithful(in.data); }));
+            };
             const auto peer = [&] {
                 in.peerNs.push_back(TimeNs([&] { RunPeer(in.format, in.data); }));
             };
@@ -418,15 +437,16 @@ int main(int argc, char** argv) {
         "is faster.\nrec%%/byte%% = share of records, by count and by bytes, that have "
         "a handler here; H = handled subset (both at least %.0f%%).\n\n",
         rounds, kHandledShare * 100);
-    std::printf("%-50s %9s %6s %6s %6s %10s %10s %7s\n", "file", "KB", "recs", "rec%", "byte%",
-                "ours ms", "peer ms", "ratio");
+    std::printf("%-50s %9s %6s %6s %6s %10s %10s %10s %7s\n", "file", "KB", "recs", "rec%", "byte%",
+                "ours ms", "faith ms", "peer ms", "ratio");
     for (const Input& in : inputs) {
         if (!in.compared()) continue;
-        std::printf("%-50s %9.1f %6d %6.1f %6.1f %10.3f %10.3f %7.2f %s\n",
+        std::printf("%-50s %9.1f %6d %6.1f %6.1f %10.3f %10.3f %10.3f %7.2f %s\n",
                     in.path.toUtf8().constData(), in.data.size() / 1024.0, in.records,
                     100.0 * in.handledRecords / in.records,
                     100.0 * (double)in.handledBytes / (double)in.recordBytes, in.oursMedian() / 1e6,
-                    in.peerMedian() / 1e6, in.ratio(), in.handled() ? "H" : "");
+                    in.faithfulMedian() / 1e6, in.peerMedian() / 1e6, in.ratio(),
+                    in.handled() ? "H" : "");
     }
     std::printf("\nNot compared:\n");
     int excluded = 0;

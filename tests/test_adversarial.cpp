@@ -1,6 +1,6 @@
-// Hostile files convert to closed documents within the output budget and a fixed multiple of
-// their size in heap, plus what the budgets' floors allow a small file. Each family is built
-// to 16 KiB, where the floors rule, and to 1 MiB; bench_scale --adversarial measures the same
+// Hostile files convert, in both modes, to closed documents within the output budget and a fixed
+// multiple of their size in heap, plus what the budgets' floors allow a small file. Each family is
+// built to 16 KiB, where the floors rule, and to 1 MiB; bench_scale --adversarial measures the same
 // files at growing sizes for time.
 #include <gtest/gtest.h>
 
@@ -30,20 +30,26 @@ TEST(Adversarial, FilesConvertWithinBounds) {
     CLogSystem::theRootInstance->setLevel("OFF");
     for (const adversarial::Family& family : adversarial::Families()) {
         for (int bytes : kSizes) {
-            SCOPED_TRACE(std::string(family.name) + " " + std::to_string(bytes));
             const QByteArray in = family.build(bytes);
-            QByteArray out;
-            int status = 0;
-            const long long peak = heap::Peak([&] { status = ConvertMetaFileToSVG(in, out); });
-            EXPECT_EQ(status, family.name[0] == 'w' ? 2 : 1);
-            const long long budget = std::max(kOutputPerByte * in.size(), kOutputFloor);
-            EXPECT_LE(out.size(), budget + (long long)sizeof kFooter);
-            // A walk ended by the budget drops the element it was writing: the document closes
-            // after whole elements.
-            ASSERT_TRUE(out.endsWith(kFooter));
-            const QByteArray body = out.chopped((int)sizeof kFooter - 1);
-            EXPECT_TRUE(body.trimmed().endsWith('>')) << body.right(80).constData();
-            if (heap::Available()) EXPECT_LE(peak, kHeapPerByte * in.size() + kHeapFloor);
+            for (int mode : {SVGMODULE_MODE_CONTRACT, SVGMODULE_MODE_FAITHFUL}) {
+                SCOPED_TRACE(std::string(family.name) + " " + std::to_string(bytes) + " mode " +
+                             std::to_string(mode));
+                svgmodule_options options = SVGMODULE_OPTIONS_INIT;
+                options.mode = mode;
+                QByteArray out;
+                int status = 0;
+                const long long peak =
+                    heap::Peak([&] { status = svgmodule_convert(in, out, &options); });
+                EXPECT_EQ(status, family.name[0] == 'w' ? 2 : 1);
+                const long long budget = std::max(kOutputPerByte * in.size(), kOutputFloor);
+                EXPECT_LE(out.size(), budget + (long long)sizeof kFooter);
+                // A walk ended by the budget drops the element it was writing: the document closes
+                // after whole elements.
+                ASSERT_TRUE(out.endsWith(kFooter));
+                const QByteArray body = out.chopped((int)sizeof kFooter - 1);
+                EXPECT_TRUE(body.trimmed().endsWith('>')) << body.right(80).constData();
+                if (heap::Available()) EXPECT_LE(peak, kHeapPerByte * in.size() + kHeapFloor);
+            }
         }
     }
 }
