@@ -51,7 +51,9 @@ save() {
     # default has --exact to leave them alone.
     local exact=""
     "$bin" --help 2>/dev/null | grep -q -- "--exact" && exact=--exact
-    export BIN=$bin CORPUS_ROOT=$corpus OUT_ROOT=$out LIMIT=$limit LIBLOGGING_LEVEL=OFF EXACT=$exact
+    # MODE (--contract or --faithful) chooses the mode; by default the command line's.
+    export BIN=$bin CORPUS_ROOT=$corpus OUT_ROOT=$out LIMIT=$limit LIBLOGGING_LEVEL=OFF
+    export EXACT="$exact${MODE:+ $MODE}"
     # One conversion per input: NAME.svg and NAME.status under OUT_ROOT.
     # shellcheck disable=SC2016
     find "$corpus" -type f \( -iname '*.emf' -o -iname '*.wmf' \) -print0 | sort -z |

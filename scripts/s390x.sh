@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Big-endian check on a little-endian machine: cross-builds the library, metafile2svg and the
 # unit tests for s390x (64-bit, big-endian), runs the unit tests under qemu-user, converts every
-# file of the corpus with the s390x metafile2svg and compares each output with the
+# file of the corpus in both modes with the s390x metafile2svg and compares each output with the
 # little-endian build's, byte for byte; where the bytes differ, embedded PNG images are compared
 # as decoded pixels (tests/svg_image_compare), the text around them still byte for byte.
 #
@@ -180,30 +180,32 @@ else
     printf '#!/bin/sh\nexec %q -L %q %q "$@"\n' "$(command -v qemu-s390x)" "$sysroot" \
         "$repo/$build/metafile2svg" >"$out/qemu/metafile2svg"
     chmod +x "$out/qemu/metafile2svg"
-    scripts/corpus_compare.sh save "$little" "$out/little" "$corpus"
-    TIMEOUT_SECONDS=${TIMEOUT_SECONDS:-300} \
-        scripts/corpus_compare.sh save "$out/qemu" "$out/big" "$corpus"
-    scripts/corpus_compare.sh diff "$out/little" "$out/big" >"$out/diff.txt" || true
-    files=$(sed -n 's/^\([0-9]*\) files.*/\1/p' "$out/diff.txt")
-    same=$(sed -n 's/.* files, \([0-9]*\) identical.*/\1/p' "$out/diff.txt")
-    pixels=0
-    differ=0
-    why=""
-    # Only the SVG text differs: the same once the images are decoded?
-    while IFS= read -r line; do
-        rel=${line#differs (output): }
-        if [ "$rel" != "$line" ] &&
-            why=$("$little/tests/svg_image_compare" "$out/little/$rel.svg" "$out/big/$rel.svg"); then
-            pixels=$((pixels + 1))
-        else
-            differ=$((differ + 1))
-            echo "$line${why:+: $why}"
-        fi
+    for mode in contract faithful; do
+        MODE=--$mode scripts/corpus_compare.sh save "$little" "$out/$mode/little" "$corpus"
+        MODE=--$mode TIMEOUT_SECONDS=${TIMEOUT_SECONDS:-300} \
+            scripts/corpus_compare.sh save "$out/qemu" "$out/$mode/big" "$corpus"
+        scripts/corpus_compare.sh diff "$out/$mode/little" "$out/$mode/big" >"$out/$mode/diff.txt" || true
+        files=$(sed -n 's/^\([0-9]*\) files.*/\1/p' "$out/$mode/diff.txt")
+        same=$(sed -n 's/.* files, \([0-9]*\) identical.*/\1/p' "$out/$mode/diff.txt")
+        pixels=0
+        differ=0
         why=""
-    done < <(grep '^differs' "$out/diff.txt" || true)
-    echo "corpus: $files files, $same identical in bytes, $pixels identical as decoded pixels," \
-        "$differ differ (outputs in $out)"
-    [ "$differ" -eq 0 ] || compare=1
+        # Only the SVG text differs: the same once the images are decoded?
+        while IFS= read -r line; do
+            rel=${line#differs (output): }
+            if [ "$rel" != "$line" ] &&
+                why=$("$little/tests/svg_image_compare" "$out/$mode/little/$rel.svg" "$out/$mode/big/$rel.svg"); then
+                pixels=$((pixels + 1))
+            else
+                differ=$((differ + 1))
+                echo "$line${why:+: $why}"
+            fi
+            why=""
+        done < <(grep '^differs' "$out/$mode/diff.txt" || true)
+        echo "corpus, $mode mode: $files files, $same identical in bytes, $pixels identical as decoded pixels," \
+            "$differ differ (outputs in $out/$mode)"
+        [ "$differ" -eq 0 ] || compare=1
+    done
 fi
 finished=$(date +%s)
 
