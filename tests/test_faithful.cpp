@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <functional>
+#include <utility>
 #include <vector>
 
 #include "byteorder/BEndTools.h"
@@ -38,6 +39,16 @@ QString Svg(const QByteArray& file, int* status = nullptr) {
                                     file.size(), out);
     if (status) *status = s;
     return QString::fromUtf8(out);
+}
+
+// A file of these records, after `start`'s.
+using Record = std::pair<uint32_t, mfb::Bytes>;
+Record R(uint32_t type, const mfb::Bytes& payload = mfb::Bytes()) {
+    return {type, payload};
+}
+mfb::Emf Records(std::initializer_list<Record> records, mfb::Emf start = mfb::Emf()) {
+    for (const auto& r : records) start.record(r.first, r.second);
+    return start;
 }
 
 }  // namespace
@@ -324,14 +335,12 @@ TEST(FaithfulWriter, LimitRewindsTheRecord) {
 // EMF files played end to end: the document, the drawing and the styles.
 TEST(FaithfulEmf, EndToEnd) {
     using namespace mfb;
-    const auto halved = [] {
-        return Emf()
-            .record(EMR_SETMAPMODE, Bytes().u32(8))
-            .record(EMR_SETWINDOWEXTEX, I32s({1000, 1000}))
-            .record(EMR_SETVIEWPORTEXTEX, I32s({500, 500}));
-    };
-    const Bytes box = I32s({10, 20, 50, 60});
+    const Emf halved =
+        Records({R(EMR_SETMAPMODE, U32s({8})), R(EMR_SETWINDOWEXTEX, I32s({1000, 1000})),
+                 R(EMR_SETVIEWPORTEXTEX, I32s({500, 500}))});
+    const Bytes box = I32s({10, 20, 50, 60}), none = I32s({0, 0, 0, 0});
     const Bytes text = U32s({0, 0, 0, 76, 2, 1, 2, 3, 4, 0});  // an opaque rectangle, no characters
+    const Record select = R(EMR_SELECTOBJECT, U32s({1}));
     const struct {
         const char* name;
         Emf file;
@@ -343,27 +352,20 @@ TEST(FaithfulEmf, EndToEnd) {
           "height=\"118.11\" viewBox=\"0 0 100 100\" preserveAspectRatio=\"none\" "
           "fill=\"none\" stroke-linecap=\"round\" stroke-linejoin=\"round\">\n</svg>\n"}},
         {"polyline halved",
-         halved().record(EMR_POLYLINE16,
-                         Bytes().zeros(16).u32(2).append(Points16({{10, 20}, {40, 60}}))),
+         Records({R(EMR_POLYLINE16, U32s({0, 0, 0, 0, 2}).append(Points16({{10, 20}, {40, 60}})))},
+                 halved),
          {"<g stroke=\"#000\">\n<path d=\"M5 10 20 30\"/>\n</g>\n"}},
         {"rectangle, white brush",
-         halved().record(EMR_RECTANGLE, box),
+         Records({R(EMR_RECTANGLE, box)}, halved),
          {"<g fill=\"#fff\" stroke=\"#000\">\n<path d=\"M5 10H25V30H5Z\"/>"}},
         {"hatched brush, opaque",
-         Emf()
-             .record(EMR_CREATEBRUSHINDIRECT, U32s({1, 2, 0x0000FF, 4}))
-             .record(EMR_SELECTOBJECT, U32s({1}))
-             .record(EMR_RECTANGLE, box),
+         Records({R(EMR_CREATEBRUSHINDIRECT, U32s({1, 2, 0x0000FF, 4})), select,
+                  R(EMR_RECTANGLE, box)}),
          {"fill=\"#fff\"/><path d=\"M0 3.5 8 3.5M3.5 0 3.5 8\" stroke=\"#f00\"", "url(#p1)"}},
         {"path bracket filled",
-         Emf()
-             .record(EMR_BEGINPATH, Bytes())
-             .record(EMR_MOVETOEX, I32s({0, 0}))
-             .record(EMR_LINETO, I32s({10, 0}))
-             .record(EMR_LINETO, I32s({10, 10}))
-             .record(EMR_CLOSEFIGURE, Bytes())
-             .record(EMR_ENDPATH, Bytes())
-             .record(EMR_FILLPATH, I32s({0, 0, 0, 0})),
+         Records({R(EMR_BEGINPATH), R(EMR_MOVETOEX, I32s({0, 0})), R(EMR_LINETO, I32s({10, 0})),
+                  R(EMR_LINETO, I32s({10, 10})), R(EMR_CLOSEFIGURE), R(EMR_ENDPATH),
+                  R(EMR_FILLPATH, none)}),
          {"<g fill=\"#fff\">\n<path d=\"M0 0H10V10Z\"/>"}},
         {"poly-polygon, alternate",
          Emf().record(EMR_POLYPOLYGON16,
@@ -371,37 +373,27 @@ TEST(FaithfulEmf, EndToEnd) {
                           Points16({{0, 0}, {9, 0}, {0, 9}, {1, 1}, {5, 1}, {1, 5}}))),
          {"fill-rule=\"evenodd\"", "<path d=\"M0 0H9L0 9ZM1 1H5L1 5Z\"/>"}},
         {"pattern-only bit block and a pixel",
-         Emf()
-             .record(EMR_BITBLT, EmfBlt(EMR_BITBLT, 10, 10, 20, 20, 0x42, Bytes(), Bytes()))
-             .record(15, I32s({5, 5}).u32(0x0000FF)),
+         Records({R(EMR_BITBLT, EmfBlt(EMR_BITBLT, 10, 10, 20, 20, 0x42, Bytes(), Bytes())),
+                  R(15, I32s({5, 5}).u32(0x0000FF))}),
          {"<g fill=\"#000\">\n<path d=\"M10 10H30V30H10Z\"/>",
           "<g fill=\"#f00\">\n<path d=\"M5 5H6V6H5Z\"/>"}},
         {"widened path filled with the brush",
-         Emf()
-             .record(EMR_BEGINPATH, Bytes())
-             .record(EMR_LINETO, I32s({10, 10}))
-             .record(EMR_ENDPATH, Bytes())
-             .record(66, Bytes())
-             .record(EMR_FILLPATH, I32s({0, 0, 0, 0})),
+         Records({R(EMR_BEGINPATH), R(EMR_LINETO, I32s({10, 10})), R(EMR_ENDPATH), R(66),
+                  R(EMR_FILLPATH, none)}),
          {"<g stroke=\"#fff\">\n<path d=\"M0 0 10 10\"/>"}},
         {"opaque rectangle of a text record",
          Emf().record(EMR_EXTTEXTOUTW, U32s({0, 0, 0, 0, 1}).f32(1).f32(1).append(text)),
          {"<g fill=\"#fff\">\n<path d=\"M1 2H3V4H1Z\"/>"}},
         {"monochrome brush",
-         Emf()
-             .record(
-                 EMR_CREATEMONOBRUSH,
-                 U32s({1, 0, 32, 48, 80, 32}).append(BitmapInfo(8, 8, 1, {0, 0xFFFFFF})).zeros(32))
-             .record(EMR_SELECTOBJECT, U32s({1}))
-             .record(EMR_RECTANGLE, box),
+         Records(
+             {R(EMR_CREATEMONOBRUSH,
+                U32s({1, 0, 32, 48, 80, 32}).append(BitmapInfo(8, 8, 1, {0, 0xFFFFFF})).zeros(32)),
+              select, R(EMR_RECTANGLE, box)}),
          {"xmlns:xlink=",
           "<image image-rendering=\"optimizeSpeed\" width=\"8\" height=\"8\" "
           "xlink:href=\"data:image/png;base64,"}},
         {"null pen dashes nothing",
-         Emf()
-             .record(EMR_CREATEPEN, U32s({1, 5, 0, 0, 0}))
-             .record(EMR_SELECTOBJECT, U32s({1}))
-             .record(EMR_LINETO, I32s({10, 10})),
+         Records({R(EMR_CREATEPEN, U32s({1, 5, 0, 0, 0})), select, R(EMR_LINETO, I32s({10, 10}))}),
          {"\"round\">\n</svg>\n"}},
     };
     for (const auto& row : rows) {
@@ -421,11 +413,9 @@ TEST(FaithfulEmf, EndToEnd) {
 // Hostile records: never a crash, always a closed document, and the named drawing.
 TEST(FaithfulEmf, HostileRecords) {
     using namespace mfb;
-    const auto many = [](uint32_t type, const Bytes& payload, int n) {
-        Emf e;
-        for (int i = 0; i < n; ++i) e.record(type, payload);
-        return e;
-    };
+    Emf saves;
+    for (int i = 0; i < 5000; ++i) saves.record(33, Bytes());
+    const Record line = R(EMR_LINETO, I32s({5, 5})), select = R(EMR_SELECTOBJECT, U32s({1}));
     const struct {
         const char* name;
         Emf file;
@@ -446,56 +436,37 @@ TEST(FaithfulEmf, HostileRecords) {
                       Bytes().zeros(16).u32(3).append(Points16({{0, 0}, {9, 0}, {0, 9}}))),
          0},
         {"huge extents",
-         Emf()
-             .record(EMR_SETMAPMODE, U32s({8}))
-             .record(EMR_SETWINDOWEXTEX, I32s({1, 1}))
-             .record(EMR_SETVIEWPORTEXTEX, I32s({INT32_MAX, INT32_MIN}))
-             .record(EMR_LINETO, I32s({INT32_MAX, INT32_MIN})),
+         Records({R(EMR_SETMAPMODE, U32s({8})), R(EMR_SETWINDOWEXTEX, I32s({1, 1})),
+                  R(EMR_SETVIEWPORTEXTEX, I32s({INT32_MAX, INT32_MIN})),
+                  R(EMR_LINETO, I32s({INT32_MAX, INT32_MIN}))}),
          1},
         {"zero extents",
-         Emf()
-             .record(EMR_SETMAPMODE, U32s({7}))
-             .record(EMR_SETWINDOWEXTEX, I32s({0, 0}))
-             .record(EMR_SETVIEWPORTEXTEX, I32s({0, 5}))
-             .record(EMR_LINETO, I32s({5, 5})),
+         Records({R(EMR_SETMAPMODE, U32s({7})), R(EMR_SETWINDOWEXTEX, I32s({0, 0})),
+                  R(EMR_SETVIEWPORTEXTEX, I32s({0, 5})), line}),
          1},
         {"singular transform",
-         Emf()
-             .record(EMR_SETWORLDTRANSFORM, Bytes().f32(0).f32(0).f32(0).f32(0).f32(1).f32(1))
-             .record(EMR_MODIFYWORLDTRANSFORM,
-                     Bytes().f32(NAN).f32(0).f32(0).f32(1).f32(0).f32(0).u32(2))
-             .record(EMR_LINETO, I32s({5, 5})),
+         Records({R(EMR_SETWORLDTRANSFORM, Bytes().f32(0).f32(0).f32(0).f32(0).f32(1).f32(1)),
+                  R(EMR_MODIFYWORLDTRANSFORM,
+                    Bytes().f32(NAN).f32(0).f32(0).f32(1).f32(0).f32(0).u32(2)),
+                  line}),
          1},
-        {"deep saves",
-         many(33, Bytes(), 5000)
-             .record(34, I32s({-5000}))
-             .record(34, I32s({INT32_MIN}))
-             .record(EMR_LINETO, I32s({5, 5})),
-         1},
+        {"deep saves", Records({R(34, I32s({-5000})), R(34, I32s({INT32_MIN})), line}, saves), 1},
         {"handles out of range",
-         Emf()
-             .record(EMR_SELECTOBJECT, U32s({0xFFFFFFFF}))
-             .record(EMR_DELETEOBJECT, U32s({0x80000063}))
-             .record(EMR_CREATEPEN, U32s({0, 0, 5, 0, 0}))
-             .record(EMR_SELECTOBJECT, U32s({0}))
-             .record(EMR_LINETO, I32s({5, 5})),
+         Records({R(EMR_SELECTOBJECT, U32s({0xFFFFFFFF})), R(EMR_DELETEOBJECT, U32s({0x80000063})),
+                  R(EMR_CREATEPEN, U32s({0, 0, 5, 0, 0})), R(EMR_SELECTOBJECT, U32s({0})), line}),
          1},
         {"style entries past the record",
-         Emf()
-             .record(EMR_EXTCREATEPEN, U32s({1, 0, 0, 0, 0, 0x10007, 4, 0, 0, 0, 0xFFFFFFFF, 3}))
-             .record(EMR_SELECTOBJECT, U32s({1}))
-             .record(EMR_LINETO, I32s({5, 5})),
+         Records({R(EMR_EXTCREATEPEN, U32s({1, 0, 0, 0, 0, 0x10007, 4, 0, 0, 0, 0xFFFFFFFF, 3})),
+                  select, line}),
          1},
         {"angle arc not finite",
          Emf().record(EMR_ANGLEARC, Bytes().i32(5).i32(5).i32(5).f32(NAN).f32(INFINITY)), 0},
         {"pattern brush without bitmap",
-         Emf()
-             .record(94, U32s({1, 0, 999, 40, 9999, 4}))
-             .record(EMR_SELECTOBJECT, U32s({1}))
-             .record(EMR_RECTANGLE, I32s({0, 0, 9, 9})),
+         Records(
+             {R(94, U32s({1, 0, 999, 40, 9999, 4})), select, R(EMR_RECTANGLE, I32s({0, 0, 9, 9}))}),
          1},
         {"record shorter than its header",
-         Emf().recordWithSize(EMR_LINETO, 4, I32s({5, 5})).record(EMR_LINETO, I32s({5, 5})), 0},
+         Records({line}, Emf().recordWithSize(EMR_LINETO, 4, I32s({5, 5}))), 0},
     };
     for (const auto& row : rows) {
         int status = 0;
