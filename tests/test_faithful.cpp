@@ -32,6 +32,9 @@ void TestDevice(DeviceContext& dc) {
 Matrix Scale(double s) {
     return Matrix::Scale(s, s);
 }
+Matrix Move(double x, double y) {
+    return Matrix::Translate(x, y);
+}
 
 QString Svg(const QByteArray& file, int* status = nullptr) {
     QByteArray out;
@@ -107,12 +110,8 @@ TEST(FaithfulMapping, Table) {
         {"low English", metric(gdi::MM_LOENGLISH), {100, 100}, {81.28, -81.28}},
         {"high English", metric(gdi::MM_HIENGLISH), {1000, 1000}, {81.28, -81.28}},
         {"twips", metric(gdi::MM_TWIPS), {1440, 1440}, {81.28, -81.28}},
-        {"anisotropic one to one", aniso(1, 1, 1, 1), {3, 4}, {3, 4}},
         {"anisotropic", aniso(1000, 500, 500, 500), {100, 100}, {50, 100}},
-        {"isotropic shrinks the larger scale",
-         ext(gdi::MM_ISOTROPIC, 1000, 500, 500, -500),
-         {100, 100},
-         {50, -50}},
+        {"isotropic", ext(gdi::MM_ISOTROPIC, 1000, 500, 500, -500), {100, 100}, {50, -50}},
         {"fixed mode refuses extents", ext(gdi::MM_TEXT, 10, 10, 20, 20), {3, 4}, {3, 4}},
         {"zero extent refused", aniso(10, 0, 0, 10), {3, 4}, {3, 4}},
         {"scale viewport",
@@ -131,21 +130,15 @@ TEST(FaithfulMapping, Table) {
          {10, 20},
          {5, 5}},
         {"identity", world(Scale(2), Scale(3), gdi::MWT_IDENTITY), {10, 0}, {10, 0}},
-        {"left multiply",
-         world(Matrix::Translate(5, 0), Scale(2), gdi::MWT_LEFTMULTIPLY),
-         {10, 0},
-         {25, 0}},
-        {"right multiply",
-         world(Matrix::Translate(5, 0), Scale(2), gdi::MWT_RIGHTMULTIPLY),
-         {10, 0},
-         {30, 0}},
-        {"set", world(Scale(2), Matrix::Translate(1, 2), gdi::MWT_SET), {10, 0}, {11, 2}},
+        {"left multiply", world(Move(5, 0), Scale(2), gdi::MWT_LEFTMULTIPLY), {10, 0}, {25, 0}},
+        {"right multiply", world(Move(5, 0), Scale(2), gdi::MWT_RIGHTMULTIPLY), {10, 0}, {30, 0}},
+        {"set", world(Scale(2), Move(1, 2), gdi::MWT_SET), {10, 0}, {11, 2}},
         {"singular refused", world(Scale(2), Scale(0), gdi::MWT_SET), {10, 0}, {20, 0}},
         {"unknown mode", world(Scale(2), Scale(3), 9), {10, 0}, {20, 0}},
         {"world then page",
          [&](DeviceContext& dc) {
              aniso(2, 2, 1, 1)(dc);
-             dc.SetWorldTransform(Matrix::Translate(10, 0));
+             dc.SetWorldTransform(Move(10, 0));
          },
          {10, 10},
          {10, 5}},
@@ -398,14 +391,13 @@ TEST(FaithfulEmf, EndToEnd) {
     };
     for (const auto& row : rows) {
         for (bool swapped : {false, true}) {
+            SCOPED_TRACE(row.name);
             SetByteOrderOverride(swapped, swapped);
             int status = 0;
             const QString svg = Svg(row.file.build(true, swapped), &status);
             SetByteOrderOverride(false, false);
-            EXPECT_EQ(status, 1) << row.name;
-            for (const char* f : row.fragments)
-                EXPECT_TRUE(svg.contains(QString::fromUtf8(f))) << row.name << "\n"
-                                                                << svg.toStdString();
+            EXPECT_EQ(status, 1);
+            for (const char* f : row.fragments) EXPECT_TRUE(svg.contains(f)) << svg.toStdString();
         }
     }
 }
