@@ -94,26 +94,24 @@ TEST(OptionsApi, VersionsModesRepairsAndDiagnosticName) {
         options.extra[7] = c.extra;
         const svgmodule_options* given = c.size == SIZE_MAX ? nullptr : &options.known;
         for (const bool cForm : {false, true}) {
-            const std::string what = std::string(c.what) + (cForm ? " (C)" : " (Qt)");
+            SCOPED_TRACE(std::string(c.what) + (cForm ? " (C)" : " (Qt)"));
             testutil::LogCapture log;
             QByteArray out = kept;
             if (cForm) {
                 char* svg = out.data();  // must be replaced
                 size_t length = 1;
                 EXPECT_EQ(svgmodule_convert(c.in.constData(), c.in.size(), given, &svg, &length),
-                          c.status)
-                    << what;
-                EXPECT_EQ(svg ? QByteArray(svg, (int)length + 1) : kept + '\0', c.out + '\0')
-                    << what;
-                EXPECT_EQ(length == 0, svg == nullptr) << what;
+                          c.status);
+                EXPECT_EQ(svg ? QByteArray(svg, (int)length + 1) : kept + '\0', c.out + '\0');
+                EXPECT_EQ(length == 0, svg == nullptr);
                 svgmodule_free(svg);
             } else {
-                EXPECT_EQ(svgmodule_convert(c.in, out, given), c.status) << what;
-                EXPECT_EQ(out, c.out) << what;
+                EXPECT_EQ(svgmodule_convert(c.in, out, given), c.status);
+                EXPECT_EQ(out, c.out);
             }
             const auto warnings = log.at(Level::Warn);
-            ASSERT_EQ(warnings.size(), c.warning ? 1u : 0u) << what;
-            if (c.warning) EXPECT_EQ(warnings[0].rfind(c.warning, 0), 0u) << what << warnings[0];
+            ASSERT_EQ(warnings.size(), c.warning ? 1u : 0u);
+            if (c.warning) EXPECT_EQ(warnings[0].rfind(c.warning, 0), 0u) << warnings[0];
         }
     }
     // The name ends with its call; the C form needs a place for the document, not its length.
