@@ -408,25 +408,20 @@ TEST(FaithfulEmf, HostileRecords) {
     Emf saves;
     for (int i = 0; i < 5000; ++i) saves.record(33, Bytes());
     const Record line = R(EMR_LINETO, I32s({5, 5})), select = R(EMR_SELECTOBJECT, U32s({1}));
+    const Bytes tri = Points16({{0, 0}, {9, 0}, {0, 9}});
     const struct {
         const char* name;
         Emf file;
         int paths;  // path elements drawn
     } rows[] = {
         {"points past the record",
-         Emf().record(EMR_POLYLINE16,
-                      Bytes().zeros(16).u32(1000000).append(Points16({{1, 1}, {2, 2}}))),
-         1},
+         Records({R(EMR_POLYLINE16, U32s({0, 0, 0, 0, 1000000}).append(tri))}), 1},
         {"polygon counts past the record",
-         Emf().record(EMR_POLYPOLYGON16, Bytes().zeros(16).u32(0x40000000).u32(3).u32(3)), 0},
+         Records({R(EMR_POLYPOLYGON16, U32s({0, 0, 0, 0, 0x40000000, 3, 3}))}), 0},
         {"point counts past the points",
-         Emf().record(EMR_POLYPOLYGON16, Bytes().zeros(16).u32(1).u32(9).u32(900).append(
-                                             Points16({{0, 0}, {9, 0}, {0, 9}}))),
-         1},
+         Records({R(EMR_POLYPOLYGON16, U32s({0, 0, 0, 0, 1, 9, 900}).append(tri))}), 1},
         {"poly-draw types past the record",
-         Emf().record(EMR_POLYDRAW16,
-                      Bytes().zeros(16).u32(3).append(Points16({{0, 0}, {9, 0}, {0, 9}}))),
-         0},
+         Records({R(EMR_POLYDRAW16, U32s({0, 0, 0, 0, 3}).append(tri))}), 0},
         {"huge extents",
          Records({R(EMR_SETMAPMODE, U32s({8})), R(EMR_SETWINDOWEXTEX, I32s({1, 1})),
                   R(EMR_SETVIEWPORTEXTEX, I32s({INT32_MAX, INT32_MIN})),
