@@ -87,9 +87,7 @@ void ExpectArray(const char* name, const byteorder::Layout& layout, size_t at,
     EXPECT_EQ(layout.arrayAt, at) << name;
     EXPECT_GE(FieldWidthAt(layout.fields, layout.countAt), 2u) << name;
     EXPECT_EQ(layout.element ? FieldsSize(layout.element) : 0, element) << name;
-    if (integer) {
-        EXPECT_EQ(FieldWidthAt(layout.element, 0), element) << name;
-    }
+    if (integer) EXPECT_EQ(FieldWidthAt(layout.element, 0), element) << name;
     EXPECT_EQ(layout.point ? FieldsSize(layout.point) : 0, point) << name;
 }
 }  // namespace

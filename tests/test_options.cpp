@@ -68,24 +68,19 @@ TEST(OptionsApi, VersionsModesRepairsAndDiagnosticName) {
         {"null options: the defaults", emf, SIZE_MAX, 0, all, "x", 0, 1, exact, nullptr},
         {"the defaults", emf, known, 0, 0, nullptr, 0, 1, exact, nullptr},
         {"every repair", emf, known, 0, all, nullptr, 0, 1, RepairSvg(exact), nullptr},
-        {"an older host's size: fields past it not read", emf, repairsAt, 0, 99, "x", 0, 1, exact,
-         nullptr},
-        {"a field the size half covers keeps its default", emf, repairsAt + 2, 0, all, nullptr, 0,
-         1, exact, nullptr},
-        {"a newer host's options at their defaults", emf, newer, 0, 1, nullptr, 0, 1,
-         RepairSvg(exact, 1), nullptr},
+        {"an older host's size", emf, repairsAt, 0, 99, "x", 0, 1, exact, nullptr},
+        {"a field half covered", emf, repairsAt + 2, 0, all, nullptr, 0, 1, exact, nullptr},
+        {"a newer host's defaults", emf, newer, 0, 1, nullptr, 0, 1, RepairSvg(exact, 1), nullptr},
         {"a newer host's option set", emf, newer, 0, 0, "x", 1, 0, kept, "x: Convert\t"},
         {"size 0: options not initialized", emf, 0, 0, 0, "x", 0, 0, kept, "Convert\t"},
-        {"size smaller than its own field", emf, sizeof(size_t) - 1, 0, 0, "x", 0, 0, kept,
-         "Convert\t"},
+        {"size under its field", emf, sizeof(size_t) - 1, 0, 0, "x", 0, 0, kept, "Convert\t"},
         {"size of garbage", emf, 4097, 0, 0, "x", 0, 0, kept, "Convert\t"},
         {"unknown mode", emf, known, 2, 0, "a.emf", 0, 0, kept, "a.emf: Convert\t"},
         {"unknown repair", emf, known, 0, 8, nullptr, 0, 0, kept, "Convert\t"},
-        {"the converter's warning is named", cut, known, 0, 0, "dir/cut.emf", 0, -2, kept,
-         "dir/cut.emf: SVGTool\t"},
+        {"a warning named", cut, known, 0, 0, "d/cut.emf", 0, -2, kept, "d/cut.emf: SVGTool\t"},
         {"an empty name is none", cut, known, 0, 0, "", 0, -2, kept, "SVGTool\t"},
-        {"faithful: the engine's status and document", emf, known, SVGMODULE_MODE_FAITHFUL, 0,
-         nullptr, 0, faithfulStatus, faithful, nullptr},
+        {"faithful", emf, known, SVGMODULE_MODE_FAITHFUL, 0, nullptr, 0, faithfulStatus, faithful,
+         nullptr},
         {"empty input", none, known, 0, 0, nullptr, 0, 0, kept, nullptr},
     };
     for (const auto& c : cases) {
@@ -94,26 +89,24 @@ TEST(OptionsApi, VersionsModesRepairsAndDiagnosticName) {
         options.extra[7] = c.extra;
         const svgmodule_options* given = c.size == SIZE_MAX ? nullptr : &options.known;
         for (const bool cForm : {false, true}) {
-            const std::string what = std::string(c.what) + (cForm ? " (C)" : " (Qt)");
+            SCOPED_TRACE(std::string(c.what) + (cForm ? " (C)" : " (Qt)"));
             testutil::LogCapture log;
             QByteArray out = kept;
             if (cForm) {
                 char* svg = out.data();  // must be replaced
                 size_t length = 1;
                 EXPECT_EQ(svgmodule_convert(c.in.constData(), c.in.size(), given, &svg, &length),
-                          c.status)
-                    << what;
-                EXPECT_EQ(svg ? QByteArray(svg, (int)length + 1) : kept + '\0', c.out + '\0')
-                    << what;
-                EXPECT_EQ(length == 0, svg == nullptr) << what;
+                          c.status);
+                EXPECT_EQ(svg ? QByteArray(svg, (int)length + 1) : kept + '\0', c.out + '\0');
+                EXPECT_EQ(length == 0, svg == nullptr);
                 svgmodule_free(svg);
             } else {
-                EXPECT_EQ(svgmodule_convert(c.in, out, given), c.status) << what;
-                EXPECT_EQ(out, c.out) << what;
+                EXPECT_EQ(svgmodule_convert(c.in, out, given), c.status);
+                EXPECT_EQ(out, c.out);
             }
             const auto warnings = log.at(Level::Warn);
-            ASSERT_EQ(warnings.size(), c.warning ? 1u : 0u) << what;
-            if (c.warning) EXPECT_EQ(warnings[0].rfind(c.warning, 0), 0u) << what << warnings[0];
+            ASSERT_EQ(warnings.size(), c.warning ? 1u : 0u);
+            if (c.warning) EXPECT_EQ(warnings[0].rfind(c.warning, 0), 0u) << warnings[0];
         }
     }
     // The name ends with its call; the C form needs a place for the document, not its length.
