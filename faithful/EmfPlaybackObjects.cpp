@@ -4,6 +4,7 @@
 
 #include "byteorder/EmfNormalisers.h"
 #include "faithful/EmfPlayback.h"
+#include "faithful/PatternBitmap.h"
 #include "svg/DibDecoder.h"
 
 namespace faithful {
@@ -23,33 +24,7 @@ std::shared_ptr<const QImage> DecodePattern(const unsigned char* r, uint32_t siz
     dib::DibSource dib;
     if (!dib::LocateBitmap(r, size, Field32(r, kBrushBmi), Field32(r, kBrushBits), dib))
         return nullptr;
-    const uint32_t compression = dib.header.biCompression;
-    if (compression != 0 && compression != 3) return nullptr;  // no run-length tiles here
-    QImage image;
-    switch (dib.header.biBitCount) {
-        case 1:
-            image = dib::Handle1Bpp(dib);
-            break;
-        case 4: {
-            const int rowBytes = (int)(((int64_t)dib.header.biWidth + 1) / 2 % 4);
-            image = dib::Handle4Bpp(dib, (4 - rowBytes) % 4);
-            break;
-        }
-        case 8:
-            image = dib::Handle8Bpp(dib);
-            break;
-        case 16:
-            image = dib::Handle16Bpp(dib);
-            break;
-        case 24:
-        case 32:
-            image = dib::Handle32Bpp(dib, 0);
-            break;
-        default:
-            break;
-    }
-    if (image.isNull()) return nullptr;
-    return std::make_shared<const QImage>(std::move(image));
+    return DecodeDibPattern(dib);
 }
 
 }  // namespace
