@@ -104,8 +104,7 @@ void EmfPlayer::OnCreateFont(unsigned char* r, uint32_t) {
 
 void EmfPlayer::OnCreateOther(unsigned char* r, uint32_t) {
     GdiObject o;
-    o.kind = m_type == emr::CREATEPALETTE ? GdiObject::Kind::Palette
-                                                 : GdiObject::Kind::ColorSpace;
+    o.kind = m_type == emr::CREATEPALETTE ? GdiObject::Kind::Palette : GdiObject::Kind::ColorSpace;
     m_dc.CreateObjectAt(Field32(r, 8), o);
 }
 
