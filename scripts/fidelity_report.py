@@ -14,7 +14,6 @@ import argparse
 import concurrent.futures
 import hashlib
 import html
-import importlib.util
 import math
 import os
 import shlex
@@ -24,6 +23,7 @@ import subprocess
 import sys
 import threading
 import time
+import types
 
 MODES = ("faithful", "contract", "peer")
 PARTS = ("score", "ink", "edge", "color")
@@ -37,9 +37,11 @@ def die(message):
 
 def load_score_module(path):
     sys.dont_write_bytecode = True  # no __pycache__ beside the shared scorer
-    spec = importlib.util.spec_from_file_location("fidelity_score", path)
-    module = importlib.util.module_from_spec(spec)
-    spec.loader.exec_module(module)
+    module = types.ModuleType("fidelity_score")
+    module.__file__ = str(path)
+    sys.modules[module.__name__] = module
+    with open(path, encoding="utf-8") as source:
+        exec(compile(source.read(), str(path), "exec"), module.__dict__)
     return module
 
 
