@@ -265,15 +265,27 @@ void DeviceSvg::AppendPathData(const Path& path) {
     }
 }
 
-void DeviceSvg::Draw(const DrawOp& op) {
-    const QByteArray style = StyleOf(op);
-    if (!m_groupOpen || style != m_group) {
-        if (m_groupOpen) m_body.Append("</g>\n");
-        m_groupOpen = false;
-        m_body.Write("<g", style, ">\n");
-        m_group = style;
-        m_groupOpen = true;
+void DeviceSvg::BeginElement(const QByteArray& style) {
+    if (m_groupOpen && style == m_group) return;
+    if (m_groupOpen) m_body.Append("</g>\n");
+    m_groupOpen = false;
+    m_body.Write("<g", style, ">\n");
+    m_group = style;
+    m_groupOpen = true;
+}
+
+void DeviceSvg::Extend(const RectF& b) {
+    if (!m_drawn) {
+        m_bounds = b;
+        m_drawn = true;
+    } else {
+        m_bounds = {std::min(m_bounds.left, b.left), std::min(m_bounds.top, b.top),
+                    std::max(m_bounds.right, b.right), std::max(m_bounds.bottom, b.bottom)};
     }
+}
+
+void DeviceSvg::Draw(const DrawOp& op) {
+    BeginElement(StyleOf(op));
     m_body.Append("<path d=\"");
     AppendPathData(op.path);
     m_body.Append("\"/>\n");
@@ -283,13 +295,7 @@ void DeviceSvg::Draw(const DrawOp& op) {
         const double h = op.stroke.width / 2;
         b = {b.left - h, b.top - h, b.right + h, b.bottom + h};
     }
-    if (!m_drawn) {
-        m_bounds = b;
-        m_drawn = true;
-    } else {
-        m_bounds = {std::min(m_bounds.left, b.left), std::min(m_bounds.top, b.top),
-                    std::max(m_bounds.right, b.right), std::max(m_bounds.bottom, b.bottom)};
-    }
+    Extend(b);
 }
 
 QByteArray DeviceSvg::Finish(double widthPx, double heightPx, const RectF& viewBox) {

@@ -52,6 +52,11 @@ class DeviceSvg : public DrawSink {
     QByteArray Finish(double widthPx, double heightPx, const RectF& viewBox);
 
   private:
+    // Every element is written through BeginElement: it opens a group with the attributes
+    // `style` (a space before each), or stays in the open group when it has the same.
+    void BeginElement(const QByteArray& style);
+    // Adds a drawn element's device-space bounds to DrawnBounds.
+    void Extend(const RectF& bounds);
     // The attributes of an element's style.
     QByteArray StyleOf(const DrawOp& op);
     // The id of the pattern of a hatch or image fill, written on first use.
