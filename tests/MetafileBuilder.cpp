@@ -109,51 +109,6 @@ Bytes LogFontW(int32_t height, int32_t escapement, int32_t weight, const QString
 
 // --- EMF -----------------------------------------------------------------------------------
 
-// 1024 x 768 device units over 320 x 240 mm: 3.2 units per mm, so a frame of 31.25 mm
-// (3125 hundredths) gives a 100 x 100 picture over bounds 0, 0, 100, 100.
-Emf::Emf()
-    : m_bounds{0, 0, 100, 100},
-      m_frame{0, 0, 3125, 3125},
-      m_device{1024, 768},
-      m_mm{320, 240},
-      m_recordCount(-1),
-      m_records(0) {}
-
-Emf& Emf::bounds(int32_t l, int32_t t, int32_t r, int32_t b) {
-    m_bounds[0] = l, m_bounds[1] = t, m_bounds[2] = r, m_bounds[3] = b;
-    return *this;
-}
-
-Emf& Emf::frame(int32_t l, int32_t t, int32_t r, int32_t b) {
-    m_frame[0] = l, m_frame[1] = t, m_frame[2] = r, m_frame[3] = b;
-    return *this;
-}
-
-Emf& Emf::device(int32_t cx, int32_t cy) {
-    m_device[0] = cx, m_device[1] = cy;
-    return *this;
-}
-
-Emf& Emf::millimeters(int32_t cx, int32_t cy) {
-    m_mm[0] = cx, m_mm[1] = cy;
-    return *this;
-}
-
-Emf& Emf::recordCount(uint32_t n) {
-    m_recordCount = n;
-    return *this;
-}
-
-Emf& Emf::record(uint32_t type, const Bytes& payload) {
-    return recordWithSize(type, (uint32_t)(8 + payload.size()), payload);
-}
-
-Emf& Emf::recordWithSize(uint32_t type, uint32_t size, const Bytes& payload) {
-    m_body.u32(type).u32(size).append(payload);
-    ++m_records;
-    return *this;
-}
-
 QByteArray Emf::build(bool eof, bool swapped) const {
     Bytes body = m_body;
     int records = m_records;
@@ -175,27 +130,6 @@ QByteArray Emf::build(bool eof, bool swapped) const {
 }
 
 // --- WMF -----------------------------------------------------------------------------------
-
-Wmf& Wmf::placeable(int16_t l, int16_t t, int16_t r, int16_t b, uint16_t inch) {
-    m_placeable = true;
-    m_box[0] = l, m_box[1] = t, m_box[2] = r, m_box[3] = b;
-    m_inch = inch;
-    return *this;
-}
-
-Wmf& Wmf::maxRecord(uint32_t words) {
-    m_maxRecord = words;
-    return *this;
-}
-
-Wmf& Wmf::objects(uint16_t count) {
-    m_objects = count;
-    return *this;
-}
-
-Wmf& Wmf::record(uint16_t function, const Bytes& params) {
-    return recordWithSize(function, (uint32_t)(3 + params.size() / 2 + params.size() % 2), params);
-}
 
 Wmf& Wmf::recordWithSize(uint16_t function, uint32_t words, const Bytes& params) {
     m_body.u32(words).u16(function).append(params);

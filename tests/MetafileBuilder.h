@@ -17,6 +17,7 @@
 #include <QString>
 #include <array>
 #include <cstdint>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -147,46 +148,71 @@ class Bytes {
 
 class Emf {
   public:
-    Emf();
-    Emf& bounds(int32_t l, int32_t t, int32_t r, int32_t b);
-    Emf& frame(int32_t l, int32_t t, int32_t r, int32_t b);
-    Emf& device(int32_t cx, int32_t cy);
-    Emf& millimeters(int32_t cx, int32_t cy);
+    Emf& bounds(int32_t l, int32_t t, int32_t r, int32_t b) { return set(m_bounds, {l, t, r, b}); }
+    Emf& frame(int32_t l, int32_t t, int32_t r, int32_t b) { return set(m_frame, {l, t, r, b}); }
+    Emf& device(int32_t cx, int32_t cy) { return set(m_device, {cx, cy}); }
+    Emf& millimeters(int32_t cx, int32_t cy) { return set(m_mm, {cx, cy}); }
     // Forces the header's nRecords (otherwise: the records plus header and EOF).
-    Emf& recordCount(uint32_t n);
+    Emf& recordCount(uint32_t n) { return set(m_recordCount, n); }
     // A record: 8-byte header (type, size = 8 + payload) then the payload.
-    Emf& record(uint32_t type, const Bytes& payload);
+    Emf& record(uint32_t type, const Bytes& payload) {
+        return recordWithSize(type, (uint32_t)(8 + payload.size()), payload);
+    }
     // A record whose size field says `size` whatever the payload holds.
-    Emf& recordWithSize(uint32_t type, uint32_t size, const Bytes& payload);
+    Emf& recordWithSize(uint32_t type, uint32_t size, const Bytes& payload) {
+        m_body.u32(type).u32(size).append(payload);
+        return set(m_records, m_records + 1);
+    }
     // The file; `eof` appends EMR_EOF; `swapped` reverses every multi-byte field.
     QByteArray build(bool eof = true, bool swapped = false) const;
+    // The size of the file built with EMR_EOF.
+    int size() const { return 108 + m_body.size(); }
 
   private:
-    int32_t m_bounds[4];
-    int32_t m_frame[4];
-    int32_t m_device[2];
-    int32_t m_mm[2];
-    int64_t m_recordCount;
-    int m_records;
+    template <class T>
+    Emf& set(T& field, const std::common_type_t<T>& value) {
+        field = value;
+        return *this;
+    }
+
+    // 1024 x 768 device units over 320 x 240 mm: 3.2 units per mm, so a frame of 31.25 mm
+    // (3125 hundredths) gives a 100 x 100 picture over bounds 0, 0, 100, 100.
+    std::array<int32_t, 4> m_bounds = {0, 0, 100, 100}, m_frame = {0, 0, 3125, 3125};
+    std::array<int32_t, 2> m_device = {1024, 768}, m_mm = {320, 240};
+    int64_t m_recordCount = -1;
+    int m_records = 0;
     Bytes m_body;
 };
 
 class Wmf {
   public:
     // A placeable header with this bounding box and Inch.
-    Wmf& placeable(int16_t l, int16_t t, int16_t r, int16_t b, uint16_t inch);
-    Wmf& maxRecord(uint32_t words);
+    Wmf& placeable(int16_t l, int16_t t, int16_t r, int16_t b, uint16_t inch) {
+        m_placeable = true, m_box = {l, t, r, b}, m_inch = inch;
+        return *this;
+    }
+    Wmf& maxRecord(uint32_t words) { return set(m_maxRecord, words); }
     // The header's object count (otherwise 0).
-    Wmf& objects(uint16_t count);
+    Wmf& objects(uint16_t count) { return set(m_objects, count); }
     // A record: rdSize (words), rdFunction, then the parameters.
-    Wmf& record(uint16_t function, const Bytes& params);
+    Wmf& record(uint16_t function, const Bytes& params) {
+        return recordWithSize(function, (uint32_t)(3 + (params.size() + 1) / 2), params);
+    }
     // A record whose rdSize says `words` whatever the parameters hold.
     Wmf& recordWithSize(uint16_t function, uint32_t words, const Bytes& params);
     QByteArray build(bool eof = true, bool swapped = false) const;
+    // The size of the file built with META_EOF.
+    int size() const { return (m_placeable ? 22 : 0) + 24 + m_body.size(); }
 
   private:
+    template <class T>
+    Wmf& set(T& field, const std::common_type_t<T>& value) {
+        field = value;
+        return *this;
+    }
+
     bool m_placeable = false;
-    int16_t m_box[4] = {0, 0, 0, 0};
+    std::array<int16_t, 4> m_box = {0, 0, 0, 0};
     uint16_t m_inch = 0;
     int64_t m_maxRecord = -1;
     uint16_t m_objects = 0;
