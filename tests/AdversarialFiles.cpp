@@ -8,12 +8,10 @@
 namespace adversarial {
 namespace {
 
-using mfb::Bytes;
-using mfb::I32s;
-using mfb::U32s;
+using namespace mfb;
 
 // EMF record types beyond the builder's list.
-const uint32_t kSaveDc = 33, kRestoreDc = 34, kStretchDib = 81;
+const uint32_t kSaveDc = 33, kRestoreDc = 34;
 // WMF functions beyond the builder's list.
 const uint16_t kMetaStretchDib = 0x0F43;
 
@@ -26,48 +24,39 @@ struct Noise {
     uint8_t byte() { return (uint8_t)(next() >> 16); }
 };
 
-Bytes Rect(int32_t l, int32_t t, int32_t r, int32_t b) {
-    return I32s({l, t, r, b});
-}
-
-// Records appended by `add` until the file reaches `bytes`; `add` returns the bytes it added.
-template <class Add>
-QByteArray EmfOf(int bytes, Add add, mfb::Emf emf = mfb::Emf()) {
-    for (int size = 128; size < bytes;) size += add(emf);
-    return emf.build();
+// Records appended by `add` until the file reaches `bytes`.
+template <class Add, class File = Emf>
+QByteArray FileOf(int bytes, Add add, File file = File()) {
+    while (file.size() < bytes) add(file);
+    return file.build();
 }
 template <class Add>
 QByteArray WmfOf(int bytes, Add add) {
-    mfb::Wmf wmf;
-    wmf.placeable(0, 0, 1000, 1000, 1440);
-    for (int size = 64; size < bytes;) size += add(wmf);
-    return wmf.build();
+    return FileOf(bytes, add, Wmf().placeable(0, 0, 1000, 1000, 1440));
 }
 
 // One record type, repeated: a million of them in a file of 16 MB.
 QByteArray EmfManyRecords(int bytes) {
     int i = 0;
-    return EmfOf(bytes, [&](mfb::Emf& e) {
-        e.record(mfb::EMR_LINETO, I32s({i % 1000, (i * 7) % 1000}));
+    return FileOf(bytes, [&](Emf& e) {
+        e.record(EMR_LINETO, I32s({i % 1000, (i * 7) % 1000}));
         ++i;
-        return 16;
     });
 }
 
 // Point, polygon, character and rectangle counts far beyond what the records hold.
 QByteArray EmfHugeCounts(int bytes) {
-    const Bytes bounds = Rect(0, 0, 100, 100);
-    return EmfOf(bytes, [&](mfb::Emf& e) {
-        e.record(mfb::EMR_POLYLINE, Bytes(bounds).u32(0xFFFFFFFF).append(I32s({1, 2, 3, 4})))
-            .record(mfb::EMR_POLYPOLYGON16,
+    const Bytes bounds = I32s({0, 0, 100, 100});
+    return FileOf(bytes, [&](Emf& e) {
+        e.record(EMR_POLYLINE, Bytes(bounds).u32(0xFFFFFFFF).append(I32s({1, 2, 3, 4})))
+            .record(EMR_POLYPOLYGON16,
                     Bytes(bounds).u32(0xFFFFFFFF).u32(0xFFFFFFFF).u32(3).u32(0xFFFF))
-            .record(mfb::EMR_POLYPOLYLINE16, Bytes(bounds).u32(2).u32(0x7FFFFFFF).u32(2).u32(1))
-            .record(mfb::EMR_POLYDRAW16, Bytes(bounds).u32(0xFFFFFFFF).i16(1).i16(2).u8(2))
-            .record(mfb::EMR_EXTTEXTOUTW,
+            .record(EMR_POLYPOLYLINE16, Bytes(bounds).u32(2).u32(0x7FFFFFFF).u32(2).u32(1))
+            .record(EMR_POLYDRAW16, Bytes(bounds).u32(0xFFFFFFFF).i16(1).i16(2).u8(2))
+            .record(EMR_EXTTEXTOUTW,
                     U32s({0, 0, 40, 16, 1, 0, 0, 5, 5, 0xFFFFFFFF, 76, 0, 0, 0, 0, 0, 0}))
-            .record(mfb::EMR_FILLRGN, Bytes(bounds).u32(48).u32(1).append(
-                                          mfb::RegionData({{0, 0, 1, 1}}, 0x7FFFFFFF)));
-        return 316;
+            .record(EMR_FILLRGN,
+                    Bytes(bounds).u32(48).u32(1).append(RegionData({{0, 0, 1, 1}}, 0x7FFFFFFF)));
     });
 }
 
@@ -75,50 +64,49 @@ QByteArray EmfHugeCounts(int bytes) {
 // were never made.
 QByteArray EmfHugeHandles(int bytes) {
     Noise noise;
-    return EmfOf(bytes, [&](mfb::Emf& e) {
-        e.record(mfb::EMR_CREATEPEN, U32s({noise.next(), 0, 1, 0, 0xFF}))
-            .record(mfb::EMR_SELECTOBJECT, U32s({noise.next()}))
-            .record(mfb::EMR_SELECTOBJECT, U32s({noise.next() | 0x80000000u}))
-            .record(mfb::EMR_DELETEOBJECT, U32s({noise.next()}))
-            .record(mfb::EMR_LINETO, I32s({1, 2}));
-        return 28 + 12 * 3 + 16;
+    return FileOf(bytes, [&](Emf& e) {
+        e.record(EMR_CREATEPEN, U32s({noise.next(), 0, 1, 0, 0xFF}))
+            .record(EMR_SELECTOBJECT, U32s({noise.next()}))
+            .record(EMR_SELECTOBJECT, U32s({noise.next() | 0x80000000u}))
+            .record(EMR_DELETEOBJECT, U32s({noise.next()}))
+            .record(EMR_LINETO, I32s({1, 2}));
     });
 }
 
 // Saves nested as deep as the file allows, then restores, with transforms between them.
 QByteArray EmfDeepSaveRestore(int bytes) {
     const int depth = bytes / 2 / 40;
-    mfb::Emf e;
+    Emf e;
     for (int i = 0; i < depth; ++i)
         e.record(kSaveDc, Bytes())
-            .record(mfb::EMR_SETWORLDTRANSFORM, Bytes().f32(2).f32(0).f32(0).f32(2).f32(1).f32(1));
+            .record(EMR_SETWORLDTRANSFORM, Bytes().f32(2).f32(0).f32(0).f32(2).f32(1).f32(1));
     for (int i = 0; i < depth; ++i)
-        e.record(kRestoreDc, I32s({-1})).record(mfb::EMR_LINETO, I32s({i, i}));
+        e.record(kRestoreDc, I32s({-1})).record(EMR_LINETO, I32s({i, i}));
     return e.build();
 }
 
 // Extreme bounds, window and viewport extents, transforms and coordinates.
 QByteArray EmfHugeExtents(int bytes) {
-    mfb::Emf emf;
-    emf.bounds(INT_MIN, INT_MIN, INT_MAX, INT_MAX).frame(INT_MIN, 0, INT_MAX, 1);
-    emf.record(mfb::EMR_SETMAPMODE, U32s({8}))
-        .record(mfb::EMR_SETWINDOWEXTEX, I32s({1, 1}))
-        .record(mfb::EMR_SETVIEWPORTEXTEX, I32s({INT_MAX, INT_MIN}));
-    return EmfOf(
+    return FileOf(
         bytes,
-        [&](mfb::Emf& e) {
-            e.record(mfb::EMR_SETWORLDTRANSFORM,
+        [&](Emf& e) {
+            e.record(EMR_SETWORLDTRANSFORM,
                      Bytes().f32(3e38f).f32(-3e38f).f32(1e-38f).f32(3e38f).f32(3e38f).f32(-3e38f))
-                .record(mfb::EMR_LINETO, I32s({INT_MAX, INT_MIN}))
-                .record(mfb::EMR_ELLIPSE, Rect(INT_MIN, INT_MIN, INT_MAX, INT_MAX))
-                .record(mfb::EMR_ARC,
-                        Rect(INT_MIN, 0, INT_MAX, 1).append(I32s({INT_MAX, 0, INT_MIN, 0})))
-                .record(mfb::EMR_ANGLEARC, I32s({INT_MAX, INT_MIN, -1}).f32(1e30f).f32(-1e30f))
-                .record(mfb::EMR_ROUNDRECT,
-                        Rect(INT_MAX, INT_MAX, INT_MIN, INT_MIN).append(I32s({INT_MAX, INT_MIN})));
-            return 32 + 16 + 24 + 40 + 28 + 32;
+                .record(EMR_LINETO, I32s({INT_MAX, INT_MIN}))
+                .record(EMR_ELLIPSE, I32s({INT_MIN, INT_MIN, INT_MAX, INT_MAX}))
+                .record(EMR_ARC,
+                        I32s({INT_MIN, 0, INT_MAX, 1}).append(I32s({INT_MAX, 0, INT_MIN, 0})))
+                .record(EMR_ANGLEARC, I32s({INT_MAX, INT_MIN, -1}).f32(1e30f).f32(-1e30f))
+                .record(
+                    EMR_ROUNDRECT,
+                    I32s({INT_MAX, INT_MAX, INT_MIN, INT_MIN}).append(I32s({INT_MAX, INT_MIN})));
         },
-        emf);
+        Emf()
+            .bounds(INT_MIN, INT_MIN, INT_MAX, INT_MAX)
+            .frame(INT_MIN, 0, INT_MAX, 1)
+            .record(EMR_SETMAPMODE, U32s({8}))
+            .record(EMR_SETWINDOWEXTEX, I32s({1, 1}))
+            .record(EMR_SETVIEWPORTEXTEX, I32s({INT_MAX, INT_MIN})));
 }
 
 // An extended pen with user dashes taking half the file: dash texts grow with the entry
@@ -130,52 +118,45 @@ Bytes LongDashPen(uint32_t handle, int entries) {
 }
 
 QByteArray EmfDashPenDrawn(int bytes) {
-    mfb::Emf emf;
-    emf.record(mfb::EMR_EXTCREATEPEN, LongDashPen(1, bytes / 8))
-        .record(mfb::EMR_SELECTOBJECT, U32s({1}));
     int i = 0;
-    return EmfOf(
+    return FileOf(
         bytes,
-        [&](mfb::Emf& e) {
-            e.record(mfb::EMR_LINETO, I32s({++i % 100, 5}));
-            return 16;
+        [&](Emf& e) {
+            e.record(EMR_LINETO, I32s({++i % 100, 5}));
         },
-        emf);
+        Emf()
+            .record(EMR_EXTCREATEPEN, LongDashPen(1, bytes / 8))
+            .record(EMR_SELECTOBJECT, U32s({1})));
 }
 
 // Two pens selected in turn, clipped and opening paths in between, drawing nothing.
 QByteArray EmfDashPenSelected(int bytes) {
-    mfb::Emf emf;
-    emf.record(mfb::EMR_EXTCREATEPEN, LongDashPen(1, bytes / 8))
-        .record(mfb::EMR_CREATEPEN, U32s({2, 0, 1, 0, 0xFF}));
-    return EmfOf(
+    return FileOf(
         bytes,
-        [&](mfb::Emf& e) {
-            e.record(mfb::EMR_SELECTOBJECT, U32s({1}))
-                .record(mfb::EMR_INTERSECTCLIPRECT, Rect(0, 0, 50, 50))
-                .record(mfb::EMR_BEGINPATH, Bytes())
-                .record(mfb::EMR_SELECTOBJECT, U32s({2}));
-            return 12 + 24 + 8 + 12;
+        [&](Emf& e) {
+            e.record(EMR_SELECTOBJECT, U32s({1}))
+                .record(EMR_INTERSECTCLIPRECT, I32s({0, 0, 50, 50}))
+                .record(EMR_BEGINPATH, Bytes())
+                .record(EMR_SELECTOBJECT, U32s({2}));
         },
-        emf);
+        Emf()
+            .record(EMR_EXTCREATEPEN, LongDashPen(1, bytes / 8))
+            .record(EMR_CREATEPEN, U32s({2, 0, 1, 0, 0xFF})));
 }
 
 QByteArray EmfHatchedBrushes(int bytes) {
     uint32_t i = 0;
-    return EmfOf(bytes, [&](mfb::Emf& e) {
-        e.record(mfb::EMR_CREATEBRUSHINDIRECT, U32s({i, kBsHatched, 0xFF00, i % 6}))
-            .record(mfb::EMR_SELECTOBJECT, U32s({i}))
-            .record(mfb::EMR_RECTANGLE, Rect(0, 0, 10, 10));
+    return FileOf(bytes, [&](Emf& e) {
+        e.record(EMR_CREATEBRUSHINDIRECT, U32s({i, kBsHatched, 0xFF00, i % 6}))
+            .record(EMR_SELECTOBJECT, U32s({i}))
+            .record(EMR_RECTANGLE, I32s({0, 0, 10, 10}));
         ++i;
-        return 24 + 12 + 24;
     });
 }
 
-// EMR_STRETCHDIBITS: destination, source offsets, raster operation, then the bitmap.
+// EMR_STRETCHDIBITS at (0, 0) copying the bitmap.
 Bytes StretchDib(int cx, int cy, const Bytes& header, const Bytes& bits) {
-    Bytes b = Bytes().zeros(16).i32(0).i32(0).zeros(16).u32(80).u32(header.size());
-    b.u32(80 + header.size()).u32(bits.size()).u32(0).u32(0xCC0020).i32(cx).i32(cy);
-    return b.append(header).append(bits);
+    return EmfStretchDib(0, 0, cx, cy, 0xCC0020, header, bits);
 }
 
 Bytes NoiseBits(int count) {
@@ -187,12 +168,11 @@ Bytes NoiseBits(int count) {
 
 // Bitmaps that claim far more pixels than they carry.
 QByteArray EmfBitmapClaims(int bytes) {
-    return EmfOf(bytes, [&](mfb::Emf& e) {
-        e.record(kStretchDib,
-                 StretchDib(INT_MAX, INT_MAX, mfb::BitmapInfo(65535, -65535, 32), NoiseBits(16)))
-            .record(kStretchDib,
-                    StretchDib(1, 1, mfb::BitmapInfo(INT_MAX, 1, 1, {0, 0xFFFFFF}), NoiseBits(16)));
-        return 2 * (88 + 40 + 16) + 8;
+    return FileOf(bytes, [&](Emf& e) {
+        e.record(EMR_STRETCHDIBITS,
+                 StretchDib(INT_MAX, INT_MAX, BitmapInfo(65535, -65535, 32), NoiseBits(16)))
+            .record(EMR_STRETCHDIBITS,
+                    StretchDib(1, 1, BitmapInfo(INT_MAX, 1, 1, {0, 0xFFFFFF}), NoiseBits(16)));
     });
 }
 
@@ -202,85 +182,77 @@ const int kNoiseWidth = 4096;
 Bytes NoiseHeader(int height) {
     std::vector<uint32_t> colours;
     for (uint32_t c = 0; c < 16; ++c) colours.push_back(c * 0x111111u);
-    return mfb::BitmapInfo(kNoiseWidth, height, 4, colours);
+    return BitmapInfo(kNoiseWidth, height, 4, colours);
 }
 
 QByteArray EmfBitmapNoise(int bytes) {
     const int height = (bytes - 400) * 2 / kNoiseWidth;
-    mfb::Emf e;
-    e.record(kStretchDib, StretchDib(kNoiseWidth, height, NoiseHeader(height),
-                                     NoiseBits(kNoiseWidth / 2 * height)));
-    return e.build();
+    return Emf()
+        .record(EMR_STRETCHDIBITS, StretchDib(kNoiseWidth, height, NoiseHeader(height),
+                                              NoiseBits(kNoiseWidth / 2 * height)))
+        .build();
 }
 
 // A checkerboard of one-unit squares: no two rectangles merge.
 Bytes Checkerboard(int count) {
-    std::vector<mfb::Rect> rects;
+    std::vector<Rect> rects;
     const int columns = 512;
     for (int i = 0; i < count; ++i) {
         const int row = i / (columns / 2), column = 2 * (i % (columns / 2)) + row % 2;
         rects.push_back({column, row, column + 1, row + 1});
     }
-    return mfb::RegionData(rects);
+    return RegionData(rects);
 }
 
 // A solid brush, then the region filled (EMR_FILLRGN) or framed one unit wide (EMR_FRAMERGN).
 QByteArray RegionDrawn(uint32_t type, const Bytes& region) {
     Bytes payload = Bytes().zeros(16).u32(region.size()).u32(1);
-    if (type == mfb::EMR_FRAMERGN) payload.u32(1).u32(1);
-    mfb::Emf e;
-    e.record(mfb::EMR_CREATEBRUSHINDIRECT, U32s({1, 0, 0xFF, 0}))
-        .record(type, payload.append(region));
-    return e.build();
+    if (type == EMR_FRAMERGN) payload.u32(1).u32(1);
+    return Emf()
+        .record(EMR_CREATEBRUSHINDIRECT, U32s({1, 0, 0xFF, 0}))
+        .record(type, payload.append(region))
+        .build();
 }
-
-QByteArray EmfRegionFill(int bytes) {
-    return RegionDrawn(mfb::EMR_FILLRGN, Checkerboard((bytes - 300) / 16));
-}
-
-QByteArray EmfRegionFrame(int bytes) {
-    return RegionDrawn(mfb::EMR_FRAMERGN, Checkerboard((bytes - 300) / 16));
+template <uint32_t type>
+QByteArray EmfRegion(int bytes) {
+    return RegionDrawn(type, Checkerboard((bytes - 300) / 16));
 }
 
 // Wide rectangles on three rows, overlapping at random: edges that all split each other.
 QByteArray EmfRegionOverlap(int bytes) {
-    std::vector<mfb::Rect> rects;
+    std::vector<Rect> rects;
     Noise noise;
     for (int i = 0; i < (bytes - 300) / 16; ++i) {
         const int x = (int)(noise.next() % 1000000), y = (int)(noise.next() % 3);
         rects.push_back({x, y, x + 1 + (int)(noise.next() % 1000000), y + 1});
     }
-    return RegionDrawn(mfb::EMR_FRAMERGN, mfb::RegionData(rects));
+    return RegionDrawn(EMR_FRAMERGN, RegionData(rects));
 }
 
 // A large clip region, then clip rectangles and lines that each restate it.
 QByteArray EmfRegionClip(int bytes) {
     const Bytes region = Checkerboard(bytes / 2 / 16);
-    mfb::Emf emf;
-    emf.record(mfb::EMR_EXTSELECTCLIPRGN, Bytes().u32(region.size()).u32(5).append(region));
-    return EmfOf(
+    return FileOf(
         bytes,
-        [&](mfb::Emf& e) {
-            e.record(mfb::EMR_INTERSECTCLIPRECT, Rect(0, 0, 4096, 4096))
-                .record(mfb::EMR_LINETO, I32s({1, 1}));
-            return 40;
+        [&](Emf& e) {
+            e.record(EMR_INTERSECTCLIPRECT, I32s({0, 0, 4096, 4096}))
+                .record(EMR_LINETO, I32s({1, 1}));
         },
-        emf);
+        Emf().record(EMR_EXTSELECTCLIPRGN, Bytes().u32(region.size()).u32(5).append(region)));
 }
 
 // Clip regions of crossing strips, combined again and again: each combination makes a grid
 // of the square of their number, until the clip budget is spent.
 QByteArray EmfClipCrossing(int bytes) {
-    std::vector<mfb::Rect> columns, rows;
+    std::vector<Rect> columns, rows;
     for (int i = 0; i < 256; ++i) {
         columns.push_back({2 * i, 0, 2 * i + 1, 512});
         rows.push_back({0, 2 * i, 512, 2 * i + 1});
     }
-    const Bytes comb = mfb::RegionData(columns), grid = mfb::RegionData(rows);
-    return EmfOf(bytes, [&](mfb::Emf& e) {
-        e.record(mfb::EMR_EXTSELECTCLIPRGN, Bytes().u32(comb.size()).u32(2).append(comb))
-            .record(mfb::EMR_EXTSELECTCLIPRGN, Bytes().u32(grid.size()).u32(3).append(grid));
-        return 2 * (16 + comb.size());
+    const Bytes comb = RegionData(columns), grid = RegionData(rows);
+    return FileOf(bytes, [&](Emf& e) {
+        e.record(EMR_EXTSELECTCLIPRGN, Bytes().u32(comb.size()).u32(2).append(comb))
+            .record(EMR_EXTSELECTCLIPRGN, Bytes().u32(grid.size()).u32(3).append(grid));
     });
 }
 
@@ -291,77 +263,65 @@ QByteArray EmfLongStrings(int bytes) {
         return U32s({0, 0, 40, 16, 1, 0, 0, 5, 5, (uint32_t)n, 76, 0, 0, 0, 0, 0, 0})
             .utf16(QString(n, QLatin1Char('&')), n);
     };
-    mfb::Emf emf;
-    emf.record(mfb::EMR_EXTTEXTOUTW, text(chars));
-    return EmfOf(
-        bytes,
-        [&](mfb::Emf& e) {
-            e.record(mfb::EMR_EXTTEXTOUTW, text(2));
-            return 8 + 68 + 4;
-        },
-        emf);
+    return FileOf(
+        bytes, [&](Emf& e) { e.record(EMR_EXTTEXTOUTW, text(2)); },
+        Emf().record(EMR_EXTTEXTOUTW, text(chars)));
 }
 
 // A path of many lines, stroked, filled and made the clip again and again.
 QByteArray EmfPaths(int bytes) {
     const int count = bytes / 2 / 4;
-    Bytes lines = Rect(0, 0, 9, 9).u32((uint32_t)count);
+    Bytes lines = I32s({0, 0, 9, 9}).u32((uint32_t)count);
     for (int i = 0; i < count; ++i) lines.i16((int16_t)(i % 100)).i16((int16_t)(i % 77));
-    mfb::Emf emf;
-    emf.record(mfb::EMR_BEGINPATH, Bytes())
-        .record(mfb::EMR_POLYLINETO16, lines)
-        .record(mfb::EMR_ENDPATH, Bytes())
-        .record(mfb::EMR_SELECTCLIPPATH, U32s({5}));
-    return EmfOf(
+    return FileOf(
         bytes,
-        [&](mfb::Emf& e) {
-            e.record(mfb::EMR_STROKEPATH, Rect(0, 0, 1, 1))
-                .record(mfb::EMR_FILLPATH, Rect(0, 0, 1, 1))
-                .record(mfb::EMR_SELECTCLIPPATH, U32s({5}));
-            return 24 + 24 + 12;
+        [&](Emf& e) {
+            e.record(EMR_STROKEPATH, I32s({0, 0, 1, 1}))
+                .record(EMR_FILLPATH, I32s({0, 0, 1, 1}))
+                .record(EMR_SELECTCLIPPATH, U32s({5}));
         },
-        emf);
+        Emf()
+            .record(EMR_BEGINPATH, Bytes())
+            .record(EMR_POLYLINETO16, lines)
+            .record(EMR_ENDPATH, Bytes())
+            .record(EMR_SELECTCLIPPATH, U32s({5})));
 }
 
 QByteArray WmfManyRecords(int bytes) {
     int i = 0;
-    return WmfOf(bytes, [&](mfb::Wmf& w) {
+    return WmfOf(bytes, [&](Wmf& w) {
         ++i;
-        w.record(mfb::META_LINETO, Bytes().i16((int16_t)(i % 1000)).i16((int16_t)(i % 900)));
-        return 10;
+        w.record(META_LINETO, Bytes().i16((int16_t)(i % 1000)).i16((int16_t)(i % 900)));
     });
 }
 
 QByteArray WmfHugeCounts(int bytes) {
-    return WmfOf(bytes, [&](mfb::Wmf& w) {
-        w.record(mfb::META_POLYLINE, Bytes().i16(0x7FFF).i16(1).i16(2))
-            .record(mfb::META_POLYGON, Bytes().i16(-1).i16(1).i16(2))
-            .record(mfb::META_POLYPOLYGON, Bytes().u16(0xFFFF).u16(0xFFFF).u16(3))
-            .record(mfb::META_EXTTEXTOUT, Bytes().i16(1).i16(1).u16(0xFFFF).u16(4).zeros(2));
-        return 12 + 12 + 12 + 16;
+    return WmfOf(bytes, [&](Wmf& w) {
+        w.record(META_POLYLINE, Bytes().i16(0x7FFF).i16(1).i16(2))
+            .record(META_POLYGON, Bytes().i16(-1).i16(1).i16(2))
+            .record(META_POLYPOLYGON, Bytes().u16(0xFFFF).u16(0xFFFF).u16(3))
+            .record(META_EXTTEXTOUT, Bytes().i16(1).i16(1).u16(0xFFFF).u16(4).zeros(2));
     });
 }
 
 // Objects filling the whole slot table, and selections and deletions of any slot.
 QByteArray WmfObjects(int bytes) {
     Noise noise;
-    return WmfOf(bytes, [&](mfb::Wmf& w) {
-        w.record(mfb::META_CREATEPENINDIRECT, Bytes().u16(0).i16(3).i16(0).u32(0xFF))
-            .record(mfb::META_SELECTOBJECT, Bytes().u16((uint16_t)noise.next()))
-            .record(mfb::META_DELETEOBJECT, Bytes().u16((uint16_t)(noise.next() % 3)))
-            .record(mfb::META_LINETO, Bytes().i16(5).i16(5));
-        return 16 + 8 + 8 + 10;
+    return WmfOf(bytes, [&](Wmf& w) {
+        w.record(META_CREATEPENINDIRECT, Bytes().u16(0).i16(3).i16(0).u32(0xFF))
+            .record(META_SELECTOBJECT, Bytes().u16((uint16_t)noise.next()))
+            .record(META_DELETEOBJECT, Bytes().u16((uint16_t)(noise.next() % 3)))
+            .record(META_LINETO, Bytes().i16(5).i16(5));
     });
 }
 
 QByteArray WmfHatchedBrushes(int bytes) {
     uint16_t i = 0;
-    return WmfOf(bytes, [&](mfb::Wmf& w) {
-        w.record(mfb::META_CREATEBRUSHINDIRECT, Bytes().u16(2).u32(0xFF).u16(i % 6))
-            .record(mfb::META_SELECTOBJECT, Bytes().u16(i))
-            .record(mfb::META_RECTANGLE, Bytes().i16(10).i16(10).i16(0).i16(0));
+    return WmfOf(bytes, [&](Wmf& w) {
+        w.record(META_CREATEBRUSHINDIRECT, Bytes().u16(2).u32(0xFF).u16(i % 6))
+            .record(META_SELECTOBJECT, Bytes().u16(i))
+            .record(META_RECTANGLE, Bytes().i16(10).i16(10).i16(0).i16(0));
         ++i;
-        return 14 + 8 + 14;
     });
 }
 
@@ -370,40 +330,31 @@ QByteArray WmfLongStrings(int bytes) {
     const auto text = [](int n) {
         return Bytes().i16(5).i16(5).u16((uint16_t)n).u16(0).latin1(QByteArray(n, '<'), n);
     };
-    return WmfOf(bytes, [&](mfb::Wmf& w) {
+    return WmfOf(bytes, [&](Wmf& w) {
         const int n = chars < 0x7FFF ? chars : 0x7FFF;
-        w.record(mfb::META_EXTTEXTOUT, text(n)).record(mfb::META_EXTTEXTOUT, text(1));
-        return 14 + n + 16;
+        w.record(META_EXTTEXTOUT, text(n)).record(META_EXTTEXTOUT, text(1));
     });
 }
 
 QByteArray WmfBitmapNoise(int bytes) {
     const int height = (bytes - 300) * 2 / kNoiseWidth;
-    mfb::Wmf w;
-    w.placeable(0, 0, 1000, 1000, 1440)
-        .record(kMetaStretchDib, Bytes()
-                                     .u32(0xCC0020)
-                                     .zeros(10)
-                                     .u16((uint16_t)height)
-                                     .u16((uint16_t)kNoiseWidth)
-                                     .i16(0)
-                                     .i16(0)
-                                     .append(NoiseHeader(height))
-                                     .append(NoiseBits(kNoiseWidth / 2 * height)));
-    return w.build();
+    Bytes b = Bytes().u32(0xCC0020).zeros(10).u16((uint16_t)height).u16(kNoiseWidth).zeros(4);
+    b.append(NoiseHeader(height)).append(NoiseBits(kNoiseWidth / 2 * height));
+    return Wmf().placeable(0, 0, 1000, 1000, 1440).record(kMetaStretchDib, b).build();
 }
 
 QByteArray WmfHugeExtents(int bytes) {
-    mfb::Wmf wmf;
-    wmf.placeable(-32768, -32768, 32767, 32767, 1)
-        .record(mfb::META_SETWINDOWEXT, Bytes().i16(1).i16(1))
-        .record(mfb::META_SETWINDOWORG, Bytes().i16(-32768).i16(32767));
-    for (int size = 100; size < bytes; size += 10 + 14 + 14) {
-        wmf.record(mfb::META_LINETO, Bytes().i16(-32768).i16(32767))
-            .record(mfb::META_ELLIPSE, Bytes().i16(32767).i16(32767).i16(-32768).i16(-32768))
-            .record(mfb::META_RECTANGLE, Bytes().i16(-32768).i16(32767).i16(32767).i16(-32768));
-    }
-    return wmf.build();
+    return FileOf(
+        bytes,
+        [](Wmf& w) {
+            w.record(META_LINETO, Bytes().i16(-32768).i16(32767))
+                .record(META_ELLIPSE, Bytes().i16(32767).i16(32767).i16(-32768).i16(-32768))
+                .record(META_RECTANGLE, Bytes().i16(-32768).i16(32767).i16(32767).i16(-32768));
+        },
+        Wmf()
+            .placeable(-32768, -32768, 32767, 32767, 1)
+            .record(META_SETWINDOWEXT, Bytes().i16(1).i16(1))
+            .record(META_SETWINDOWORG, Bytes().i16(-32768).i16(32767)));
 }
 
 }  // namespace
@@ -420,8 +371,8 @@ const std::vector<Family>& Families() {
         {"emf-hatched-brushes", EmfHatchedBrushes},
         {"emf-bitmap-claims", EmfBitmapClaims},
         {"emf-bitmap-noise", EmfBitmapNoise},
-        {"emf-region-fill", EmfRegionFill},
-        {"emf-region-frame", EmfRegionFrame},
+        {"emf-region-fill", EmfRegion<EMR_FILLRGN>},
+        {"emf-region-frame", EmfRegion<EMR_FRAMERGN>},
         {"emf-region-overlap", EmfRegionOverlap},
         {"emf-region-clip", EmfRegionClip},
         {"emf-clip-crossing", EmfClipCrossing},
