@@ -1,7 +1,6 @@
 #include "tests/TestUtil.h"
 
 #include <QDir>
-#include <QSysInfo>
 #include <gtest/gtest.h>
 
 #include "byteorder/BEndTools.h"
@@ -83,13 +82,6 @@ std::vector<std::string> LogCapture::at(basic_logging::Level level) const {
     for (const auto& l : m_lines)
         if (l.first == level) out.push_back(l.second);
     return out;
-}
-
-ForceBigEndian::ForceBigEndian(bool on) : m_on(on) {
-    if (on) SetByteOrderOverride(true, QSysInfo::ByteOrder == QSysInfo::LittleEndian);
-}
-ForceBigEndian::~ForceBigEndian() {
-    if (m_on) SetByteOrderOverride(false, false);
 }
 
 QString CorpusDir() {

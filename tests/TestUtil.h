@@ -1,16 +1,24 @@
-// Shared helpers for the unit tests; brings the metafile builder.
+// Shared helpers for the unit tests; brings the test framework, the metafile builder, the
+// writer and the standard containers the tests use.
 #ifndef SVGMODULE_TESTS_TESTUTIL_H
 #define SVGMODULE_TESTS_TESTUTIL_H
+
+#include <gtest/gtest.h>
 
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
+#include <QSysInfo>
+#include <functional>
 #include <ostream>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "CLogSystem.h"
 #include "byteorder/BEndTools.h"
+#include "svg/SVGWriter.h"
 #include "tests/MetafileBuilder.h"
 
 // Failing comparisons show QString values as text.
@@ -71,8 +79,12 @@ class LogCapture {
 // Constructed with `on` false it changes nothing.
 class ForceBigEndian {
   public:
-    explicit ForceBigEndian(bool on = true);
-    ~ForceBigEndian();
+    explicit ForceBigEndian(bool on = true) : m_on(on) {
+        if (on) SetByteOrderOverride(true, QSysInfo::ByteOrder == QSysInfo::LittleEndian);
+    }
+    ~ForceBigEndian() {
+        if (m_on) SetByteOrderOverride(false, false);
+    }
 
   private:
     bool m_on;
