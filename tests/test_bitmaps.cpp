@@ -1,17 +1,14 @@
 // Bitmaps: the decoders and the pending mask, base64 text, the image element, and the EMF and
 // WMF bitmap records end to end. Every file is converted in both byte orders, and the PNG data
 // is checked by decoding it back to pixels.
-#include <gtest/gtest.h>
 
 #include <QRegularExpression>
 #include <thread>
 
 #include "svg/DibDecoder.h"
-#include "svg/SVGWriter.h"
 #include "tests/TestUtil.h"
 
-using mfb::BitmapInfo;
-using mfb::Bytes;
+using namespace mfb;
 using Pixels = std::vector<QRgb>;
 
 namespace {
@@ -25,43 +22,34 @@ Bytes U8s(std::initializer_list<int> v) {
     return b;
 }
 
-const uint32_t kBitBlt = 76, kStretchBlt = 77, kMaskBlt = 78, kPlgBlt = 79, kStretchDib = 81,
-               kTransparentBlt = 116;
 const Bytes kRgb = BitmapInfo(1, 1, 24), kRgbBits = U8s({0x30, 0x20, 0x10, 0});
+const Pixels kRgbPixel = {0xFF102030};
 
 // Bit-block payloads with the 1 x 1 24-bit bitmap unless given another.
 Bytes Blt(uint32_t type, int x, int y, int cx, int cy, uint32_t rop, const Bytes& header = kRgb,
           const Bytes& bits = kRgbBits) {
-    return mfb::EmfBlt(type, x, y, cx, cy, rop, header, bits);
+    return EmfBlt(type, x, y, cx, cy, rop, header, bits);
 }
-using mfb::EmfStretchDib;
 QString Image(int x, int y, int w, int h) {
     return QString::asprintf("<image x=\"%d\" y=\"%d\" width=\"%d\" height=\"%d\" ", x, y, w, h) +
            "xlink:href=\"data:image/png;base64,\n~\"/>\n";
 }
 
-// The pixels row by row as 0xAARRGGBB.
-Pixels PixelsOf(const QImage& image) {
-    Pixels p;
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x) p.push_back(image.pixel(x, y));
-    return p;
-}
-
-// A document body with each base64 text replaced by "~", and the images decoded.
-struct Drawn {
-    QString body;
-    std::vector<QImage> images;
-};
+// A document body with each base64 text replaced by "~", and the pixels of each image row by
+// row as 0xAARRGGBB.
+using Drawn = std::pair<QString, std::vector<Pixels>>;
 Drawn Split(const QString& body) {
     static const QRegularExpression data(QStringLiteral("base64,\n([A-Za-z0-9+/=\n]*)\""));
     Drawn d{body, {}};
-    for (auto it = data.globalMatch(d.body); it.hasNext();) {
+    for (auto it = data.globalMatch(d.first); it.hasNext();) {
         const QByteArray text = it.next().captured(1).toLatin1();
         for (int at = 76; at < text.size(); at += 77) EXPECT_EQ(text[at], '\n');
-        d.images.push_back(QImage::fromData(QByteArray::fromBase64(text), "PNG"));
+        const QImage image = QImage::fromData(QByteArray::fromBase64(text), "PNG");
+        d.second.emplace_back();
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x) d.second.back().push_back(image.pixel(x, y));
     }
-    d.body.replace(data, QStringLiteral("base64,\n~\""));
+    d.first.replace(data, QStringLiteral("base64,\n~\""));
     return d;
 }
 
@@ -74,11 +62,8 @@ struct Dib {
 std::vector<Pixels> DrawDibs(const std::vector<Dib>& dibs) {
     mfb::Emf e;
     for (const Dib& d : dibs)
-        e.record(kStretchDib, EmfStretchDib(0, 0, 1, 1, d.op, d.header, d.bits));
-    std::vector<Pixels> pixels;
-    for (const QImage& image : Split(testutil::BothOrders(e)).images)
-        pixels.push_back(PixelsOf(image));
-    return pixels;
+        e.record(EMR_STRETCHDIBITS, EmfStretchDib(0, 0, 1, 1, d.op, d.header, d.bits));
+    return Split(testutil::BothOrders(e)).second;
 }
 
 }  // namespace
@@ -170,28 +155,26 @@ TEST(BitmapOutput, Base64LinesAndTheImageElement) {
 TEST(EmfBitmaps, RecordsDrawTheirBitmapsIntoTheDestination) {
     const uint32_t kPatCopy = 0x00F00021, kBlackness = 0x42;
     mfb::Emf e;
-    e.record(mfb::EMR_SETWINDOWORGEX, Bytes().i32(100).i32(100))
-        .record(kBitBlt, Blt(kBitBlt, 150, 120, 40, 30, kPatCopy, Bytes(), Bytes()))
-        .record(kStretchBlt, Blt(kStretchBlt, 150, 120, 40, 30, kPatCopy))
-        .record(kBitBlt, Blt(kBitBlt, 100, 100, 1, 2, kBlackness))
-        .record(kMaskBlt, Blt(kMaskBlt, 100, 100, 3, 4, kBlackness))
-        .record(kTransparentBlt, Blt(kTransparentBlt, 100, 100, 5, 6, 0x00302010))
-        .record(kStretchDib, EmfStretchDib(100, 100, 7, 8, 0x00CC0020, kRgb, kRgbBits))
-        .record(kPlgBlt, Blt(kBitBlt, 100, 100, 9, 9, kBlackness))
-        .record(kBitBlt, Blt(kBitBlt, 100, 100, 9, 9, kBlackness, Bytes(), Bytes())
-                             .append(kRgb)
-                             .append(kRgbBits))
-        .record(kBitBlt, Blt(kBitBlt, 100, 100, 9, 9, kBlackness, kRgb, Bytes()))
-        .record(kBitBlt, Blt(kBitBlt, 100, 100, 9, 9, kBlackness, Bytes().zeros(39), Bytes()));
-    const auto [body, images] = Split(testutil::BothOrders(e));
-    EXPECT_EQ(body,
-              "<rect x=\"50\" y=\"20\" width=\"40\" height=\"30\" rx=\"0\" ry=\"0\"  "
-              "stroke=\"black\" stroke-width=\"1\" fill=\"none\"/>\n" +
-                  Image(50, 20, 40, 30) + Image(0, 0, 1, 2) + Image(0, 0, 3, 4) +
-                  Image(0, 0, 5, 6) + Image(0, 0, 7, 8));
-    ASSERT_EQ(images.size(), 5u);
-    for (int i : {0, 1, 2, 4}) EXPECT_EQ(PixelsOf(images[i]), Pixels{0xFF102030});
-    EXPECT_EQ(PixelsOf(images[3]), Pixels{kWhite});
+    e.record(EMR_SETWINDOWORGEX, Bytes().i32(100).i32(100))
+        .record(EMR_BITBLT, Blt(EMR_BITBLT, 150, 120, 40, 30, kPatCopy, Bytes(), Bytes()))
+        .record(EMR_STRETCHBLT, Blt(EMR_STRETCHBLT, 150, 120, 40, 30, kPatCopy))
+        .record(EMR_BITBLT, Blt(EMR_BITBLT, 100, 100, 1, 2, kBlackness))
+        .record(EMR_MASKBLT, Blt(EMR_MASKBLT, 100, 100, 3, 4, kBlackness))
+        .record(EMR_TRANSPARENTBLT, Blt(EMR_TRANSPARENTBLT, 100, 100, 5, 6, 0x00302010))
+        .record(EMR_STRETCHDIBITS, EmfStretchDib(100, 100, 7, 8, 0x00CC0020, kRgb, kRgbBits))
+        .record(EMR_PLGBLT, Blt(EMR_BITBLT, 100, 100, 9, 9, kBlackness))
+        .record(EMR_BITBLT, Blt(EMR_BITBLT, 100, 100, 9, 9, kBlackness, Bytes(), Bytes())
+                                .append(kRgb)
+                                .append(kRgbBits))
+        .record(EMR_BITBLT, Blt(EMR_BITBLT, 100, 100, 9, 9, kBlackness, kRgb, Bytes()))
+        .record(EMR_BITBLT,
+                Blt(EMR_BITBLT, 100, 100, 9, 9, kBlackness, Bytes().zeros(39), Bytes()));
+    EXPECT_EQ(Split(testutil::BothOrders(e)),
+              Drawn("<rect x=\"50\" y=\"20\" width=\"40\" height=\"30\" rx=\"0\" ry=\"0\"  "
+                    "stroke=\"black\" stroke-width=\"1\" fill=\"none\"/>\n" +
+                        Image(50, 20, 40, 30) + Image(0, 0, 1, 2) + Image(0, 0, 3, 4) +
+                        Image(0, 0, 5, 6) + Image(0, 0, 7, 8),
+                    {kRgbPixel, kRgbPixel, kRgbPixel, {kWhite}, kRgbPixel}));
 }
 
 // Without a placeable header (scale 15, origin 0, 1): the corner is mapped, the size is not.
@@ -208,12 +191,10 @@ TEST(WmfBitmaps, RecordsMapTheCornerAndKeepTheSize) {
         .record(0x0F43, rop(10).u16(6).u16(5).append(at(30, 31)).append(rgb))
         .record(0x0B23, rop(10).u16(8).u16(7).append(at(45, 46)).append(rgb))
         .record(0x0940, rop(4).u16(16).u16(16).append(at(150, 151)).zeros(2));  // no bitmap
-    const auto [body, images] = Split(testutil::BothOrders(w));
-    EXPECT_EQ(body, Image(10, 10, 16, 16) + Image(0, 0, 1, 2) + Image(1, 1, 3, 4) +
-                        Image(2, 2, 5, 6) + Image(3, 3, 7, 8));
-    ASSERT_EQ(images.size(), 5u);
-    for (int i : {0, 2, 3, 4}) EXPECT_EQ(PixelsOf(images[i]), Pixels{0xFF102030});
-    EXPECT_EQ(PixelsOf(images[1]), Pixels{0xFF102000});
+    EXPECT_EQ(Split(testutil::BothOrders(w)),
+              Drawn(Image(10, 10, 16, 16) + Image(0, 0, 1, 2) + Image(1, 1, 3, 4) +
+                        Image(2, 2, 5, 6) + Image(3, 3, 7, 8),
+                    {kRgbPixel, {0xFF102000}, kRgbPixel, kRgbPixel, kRgbPixel}));
 }
 
 // A mask left pending by one conversion is taken by the next on the same thread, and not by a
@@ -222,12 +203,12 @@ TEST(BitmapDecoding, PendingMaskBelongsToTheThread) {
     const auto pixels = [](int op, uint16_t bitCount) {
         const QByteArray file =
             mfb::Emf()
-                .record(kStretchDib,
+                .record(EMR_STRETCHDIBITS,
                         EmfStretchDib(0, 0, 1, 1, op, BitmapInfo(1, 1, bitCount, {0, 0xFFFFFF}),
                                       U8s({0, 0, 0, 0})))
                 .build();
-        const auto images = Split(testutil::Body(testutil::Convert(file).svg)).images;
-        return images.size() == 1 ? PixelsOf(images[0]) : Pixels();
+        const auto images = Split(testutil::Body(testutil::Convert(file).svg)).second;
+        return images.size() == 1 ? images[0] : Pixels();
     };
     EXPECT_EQ(pixels(-1, 1), Pixels());
     Pixels other;
