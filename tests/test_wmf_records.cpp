@@ -1,17 +1,12 @@
 // WMF object and line-art records: the handle table, pens and fonts, the drawing records and
 // malformed counts; every file converts alike in both byte orders.
-#include <gtest/gtest.h>
-
-#include <tuple>
 
 #include "byteorder/RecordReader.h"
 #include "byteorder/WmfNormalisers.h"
-#include "style/StyleMgr.h"
 #include "tests/TestUtil.h"
 
 using namespace mfb;
-using testutil::BothOrders;
-using testutil::Line;
+using namespace testutil;
 
 namespace {
 
@@ -46,7 +41,7 @@ Bytes PolyPoly(std::initializer_list<uint16_t> counts,
     return b.append(Points16(points));
 }
 
-const QString kStyle = QString(testutil::kDefaultStyle) + "/>\n";
+const QString kStyle = QString(kDefaultStyle) + "/>\n";
 
 // The current style once a round-capped pen is selected over the default brush.
 QString PenSelected(const char* colour, int width = 1, const char* fill = " fill=\"white\"") {
@@ -87,35 +82,32 @@ TEST(WmfObjects, CreationTakesTheLowestFreeSlot) {
                   Line(20, 20, 30, 30, PenSelected("#808080", 1, "  fill=\"url(#BRUSH_1)\" \n")));
 }
 
-// Widths are divided by the scale (15 without a placeable header) and truncated; a width
-// of 0 draws as 1 and PS_NULL as 0.
-TEST(WmfObjects, PenWidthsAreDividedByTheScale) {
-    const int cases[][3] = {{0, 0, 1}, {0, 14, 1}, {0, 44, 2}, {5, 30, 0}};  // style, width, px
-    for (const auto& c : cases) {
+// Pen widths are divided by the scale (15 without a placeable header) and truncated; a width
+// of 0 draws as 1 and PS_NULL as 0. Font heights are unsigned 16-bit values divided by the
+// units per inch (1440 without a placeable header); a record that ends inside the face name
+// reads the rest as zeros.
+TEST(WmfObjects, PenWidthsAndFontHeightsAreDividedByTheScale) {
+    const auto text = Bytes().i16(0).i16(0).u16(1).u16(0).latin1("x", 1);
+    const auto font = [](const char* face, int size) {
+        return QString::asprintf(" font-family=\"%s\" font-size=\"%d\" ", face, size);
+    };
+    const auto line = [](int width) { return Line(0, 0, 10, 10, PenSelected("black", width)); };
+    // Inch (0: no placeable header), the object, the record drawing with it, what it draws.
+    const std::tuple<uint16_t, uint16_t, Bytes, uint16_t, Bytes, QString> cases[] = {
+        {0, META_CREATEPENINDIRECT, Pen(0, 0, 0), META_LINETO, YX(150, 151), line(1)},
+        {0, META_CREATEPENINDIRECT, Pen(0, 14, 0), META_LINETO, YX(150, 151), line(1)},
+        {0, META_CREATEPENINDIRECT, Pen(0, 44, 0), META_LINETO, YX(150, 151), line(2)},
+        {0, META_CREATEPENINDIRECT, Pen(5, 30, 0), META_LINETO, YX(150, 151), line(0)},
+        {0, META_CREATEFONTINDIRECT, Font(2880), META_EXTTEXTOUT, text, font("Arial", 2)},
+        {0, META_CREATEFONTINDIRECT, Font(-200), META_EXTTEXTOUT, text, font("Arial", 45)},
+        {720, META_CREATEFONTINDIRECT, Font(2880), META_EXTTEXTOUT, text, font("Arial", 4)},
+        {0, META_CREATEFONTINDIRECT, Font(2880, 2), META_EXTTEXTOUT, text, font("Ar", 2)},
+    };
+    for (const auto& [inch, create, object, draw, params, expected] : cases) {
         Wmf f;
-        f.record(META_CREATEPENINDIRECT, Pen(c[0], c[1], 0))
-            .record(META_SELECTOBJECT, Index(0))
-            .record(META_LINETO, YX(150, 151));
-        EXPECT_EQ(BothOrders(f), Line(0, 0, 10, 10, PenSelected("black", c[2])))
-            << "style " << c[0] << " width " << c[1];
-    }
-}
-
-// Heights are unsigned 16-bit values divided by the units per inch (1440 without a placeable
-// header); a record that ends inside the face name reads the rest as zeros.
-TEST(WmfObjects, FontHeightsAndFaceNames) {
-    // Inch (0: no placeable header), height, face name bytes, expected height.
-    const int fonts[][4] = {
-        {0, 2880, 32, 2}, {0, -200, 32, 45}, {720, 2880, 32, 4}, {0, 2880, 2, 2}};
-    for (const auto& c : fonts) {
-        Wmf f;
-        if (c[0]) f.placeable(0, 0, 1000, 1000, (uint16_t)c[0]);
-        f.record(META_CREATEFONTINDIRECT, Font((int16_t)c[1], c[2]))
-            .record(META_SELECTOBJECT, Index(0))
-            .record(META_EXTTEXTOUT, Bytes().i16(0).i16(0).u16(1).u16(0).latin1("x", 1));
-        const QString font = " font-family=\"" + QStringLiteral("Arial").left(c[2]) +
-                             "\" font-size=\"" + QString::number(c[3]) + "\" ";
-        EXPECT_TRUE(BothOrders(f).contains(font)) << "height " << c[1];
+        if (inch) f.placeable(0, 0, 1000, 1000, inch);
+        f.record(create, object).record(META_SELECTOBJECT, Index(0)).record(draw, params);
+        EXPECT_TRUE(BothOrders(f).contains(expected)) << expected.toStdString();
     }
 }
 
@@ -124,7 +116,7 @@ TEST(WmfObjects, FontHeightsAndFaceNames) {
 TEST(WmfDrawing, RecordsMapToWriterElementsWithCountsClipped) {
     const QString rect = R"(<rect x="0" y="0" width="10" height="10" rx="0" ry="0" )" + kStyle;
     const QString circle = R"(<circle cx="10" cy = "10" r="10" )" + kStyle;
-    const QString polyline = "\n\" " + QString(testutil::kNoPen) + "/>\n";
+    const QString polyline = "\n\" " + QString(kNoPen) + "/>\n";
     const QString polygon = "\n\" " + kStyle;
     const QString path = "\" fill-rule=\"evenodd\"" + kStyle;
     const std::tuple<const char*, uint16_t, Bytes, QString> cases[] = {
@@ -169,7 +161,7 @@ TEST(WmfDrawing, RecordsMapToWriterElementsWithCountsClipped) {
 // extreme coordinates neither read outside the record nor stop the conversion.
 TEST(WmfRobustness, ShortAndSaturatedRecords) {
     for (bool swapped : {false, true}) {
-        testutil::ForceBigEndian order(swapped);
+        ForceBigEndian order(swapped);
         for (uint16_t function : kHandled) {
             Wmf f;
             for (int words = 0; words <= 30; ++words) {
@@ -177,12 +169,11 @@ TEST(WmfRobustness, ShortAndSaturatedRecords) {
                 for (int i = 0; i < words; ++i) params.u16(0xFFFF);
                 f.record(function, params);
             }
-            EXPECT_EQ(testutil::Convert(f.build(true, swapped)).status, 2)
-                << "function " << function;
+            EXPECT_EQ(Convert(f.build(true, swapped)).status, 2) << "function " << function;
         }
     }
     // The array normalisers read nothing past the record, even from a buffer that ends there.
-    testutil::ForceBigEndian bigEndian;
+    ForceBigEndian bigEndian;
     for (unsigned int size = 2; size <= 40; size += 2) {
         std::vector<unsigned char> src(size, 0xFF);
         if (size > 6) src[6] = 0x03;
