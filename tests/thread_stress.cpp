@@ -122,76 +122,65 @@ std::vector<std::string> Mismatches(const std::vector<Input>& inputs,
     return out;
 }
 
-// The contract mode, with the record log off, on and switched meanwhile.
-void ContractMatchesOneAtATime(const std::vector<Input>& inputs) {
-    const int mode = SVGMODULE_MODE_CONTRACT;
+// Both modes, with the record log off, on and switched meanwhile. The faithful mode keeps no
+// record log: whatever reaches the log then is an entry no conversion writes.
+void ManyThreadsMatchOneAtATime(const std::vector<Input>& inputs) {
     ASSERT_GE(inputs.size(), 2u);
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("records.txt"));
-    const std::vector<std::string> none;
-
-    // First on many threads, so that what the library and Qt set up on first use is set up
-    // by calls racing each other; checked once the reference is known.
-    const std::vector<QByteArray> first = RunConcurrently(inputs, mode);
-
-    // The reference: one conversion at a time, each with a record log of its own, whose entries
-    // every concurrent run with the log on must write kPasses times.
-    std::vector<QByteArray> reference;
-    Entries expected;
-    for (const Input& input : inputs) {
-        QFile::remove(path);
-        EnableLogging(true, path);
-        reference.push_back(Convert(input, mode));
-        EnableLogging(false, QString());
-        for (const auto& entry : LogEntries(path)) expected[entry.first] += entry.second * kPasses;
-    }
-    EXPECT_TRUE(expected.count(kBanners[0]) && expected.count(kBanners[2])) << "no record log";
-
-    EXPECT_EQ(Mismatches(inputs, reference, first), none);
-
-    QFile::remove(path);
-    EnableLogging(true, path);
-    EXPECT_EQ(Mismatches(inputs, reference, RunConcurrently(inputs, mode)), none);
-    EnableLogging(false, QString());
-    EXPECT_EQ(LogEntries(path), expected);
-
-    // Switching the log between two files and off while others convert: the documents stay the
-    // same, and whatever reaches either file is made of whole entries.
     const QString other = dir.filePath(QStringLiteral("other.txt"));
-    const auto switching = [&] {
-        EnableLogging(true, path);
-        EnableLogging(true, other);
-        EnableLogging(false, QString());
-    };
-    EXPECT_EQ(Mismatches(inputs, reference, RunConcurrently(inputs, mode, switching)), none);
-    for (const QString& log : {path, other})
-        for (const auto& entry : LogEntries(log))
-            EXPECT_EQ(expected.count(entry.first), 1u) << entry.first;
-    std::printf("%zu files, %d passes on %d threads\n", inputs.size(), kPasses, kThreads);
-}
-
-// The faithful mode keeps no record log; its documents must not depend on the threads either.
-void FaithfulMatchesOneAtATime(const std::vector<Input>& inputs) {
-    const int mode = SVGMODULE_MODE_FAITHFUL;
-    const std::vector<QByteArray> first = RunConcurrently(inputs, mode);
-    std::vector<QByteArray> reference;
-    for (const Input& input : inputs) reference.push_back(Convert(input, mode));
     const std::vector<std::string> none;
-    EXPECT_EQ(Mismatches(inputs, reference, first), none);
-    EXPECT_EQ(Mismatches(inputs, reference, RunConcurrently(inputs, mode)), none);
+    for (int mode : {SVGMODULE_MODE_CONTRACT, SVGMODULE_MODE_FAITHFUL}) {
+        SCOPED_TRACE(mode == SVGMODULE_MODE_CONTRACT ? "contract" : "faithful");
+        // First on many threads, so that what the library and Qt set up on first use is set up
+        // by calls racing each other; checked once the reference is known.
+        const std::vector<QByteArray> first = RunConcurrently(inputs, mode);
+
+        // The reference: one conversion at a time, each with a record log of its own, whose
+        // entries every concurrent run with the log on must write kPasses times.
+        std::vector<QByteArray> reference;
+        Entries expected;
+        for (const Input& input : inputs) {
+            QFile::remove(path);
+            EnableLogging(true, path);
+            reference.push_back(Convert(input, mode));
+            EnableLogging(false, QString());
+            for (const auto& e : LogEntries(path)) expected[e.first] += e.second * kPasses;
+        }
+        EXPECT_EQ(expected.count(kBanners[0]) && expected.count(kBanners[2]),
+                  mode == SVGMODULE_MODE_CONTRACT);
+        EXPECT_EQ(Mismatches(inputs, reference, first), none);
+
+        for (const QString& log : {path, other}) QFile::remove(log);
+        EnableLogging(true, path);
+        EXPECT_EQ(Mismatches(inputs, reference, RunConcurrently(inputs, mode)), none);
+        EnableLogging(false, QString());
+        EXPECT_EQ(LogEntries(path), expected);
+
+        // Switching the log between two files and off while others convert: the documents stay
+        // the same, and whatever reaches either file is made of whole entries.
+        const auto switching = [&] {
+            EnableLogging(true, path);
+            EnableLogging(true, other);
+            EnableLogging(false, QString());
+        };
+        EXPECT_EQ(Mismatches(inputs, reference, RunConcurrently(inputs, mode, switching)), none);
+        for (const QString& log : {path, other})
+            for (const auto& entry : LogEntries(log))
+                EXPECT_EQ(expected.count(entry.first), 1u) << entry.first;
+    }
+    std::printf("%zu files, %d passes on %d threads\n", inputs.size(), kPasses, kThreads);
 }
 
 }  // namespace
 
 TEST(Threads, ExamplesOnManyThreadsMatchOneAtATime) {
     const std::vector<Input> inputs = Inputs(SVGMODULE_SOURCE_DIR "/examples");
-    ContractMatchesOneAtATime(inputs);
-    FaithfulMatchesOneAtATime(inputs);
+    ManyThreadsMatchOneAtATime(inputs);
 }
 
 TEST(Threads, CorpusOnManyThreadsMatchesOneAtATime) {
     const std::vector<Input> inputs = Inputs(CorpusDir());
     if (inputs.empty()) GTEST_SKIP() << "corpus absent: no metafiles at " << CorpusDir();
-    ContractMatchesOneAtATime(inputs);
-    FaithfulMatchesOneAtATime(inputs);
+    ManyThreadsMatchOneAtATime(inputs);
 }
