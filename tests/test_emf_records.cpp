@@ -1,23 +1,13 @@
 // EMF object and state records, line, polygon and Bézier records and the path bracket, run
 // end to end; every file is converted in both byte orders, which must agree.
-#include <gtest/gtest.h>
-
-#include <utility>
-#include <vector>
 
 #include "tests/TestUtil.h"
 
-using mfb::Bytes;
-using mfb::Emf;
-using mfb::U32s;
+using namespace mfb;
+using namespace testutil;
 using Points = std::vector<std::pair<int, int>>;
 
 namespace {
-
-using testutil::Halved;
-using testutil::kDefaultStyle;
-using testutil::kNoPen;
-using testutil::Line;
 
 // A point-list or poly-list payload: bounds, `counts` (the point count; or the polygon count,
 // point count and each polygon's count), the points.
@@ -61,20 +51,19 @@ QString RedPen(int width, const char* dash = "") {
 // used.
 TEST(EmfObjects, PenWidthFontHeightAndDashes) {
     Emf e = Halved(1000, 2000);
-    e.record(mfb::EMR_SETWINDOWORGEX, U32s({7, 7}))
-        .record(mfb::EMR_CREATEPEN, U32s({1, 0, 3, 99, 0xFF}))  // the width's y is unused
+    e.record(EMR_SETWINDOWORGEX, U32s({7, 7}))
+        .record(EMR_CREATEPEN, U32s({1, 0, 3, 99, 0xFF}))  // the width's y is unused
         // PS_USERSTYLE, width 5, red, 1000 dash entries declared and 3 present.
-        .record(mfb::EMR_EXTCREATEPEN, U32s({2, 0, 0, 0, 0, 7, 5, 0, 0xFF, 0, 1000, 3, 1, 2}))
-        .record(mfb::EMR_EXTCREATEFONTINDIRECTW,
-                Bytes().u32(4).append(mfb::LogFontW(15, 0, 700, "Courier")))
-        .record(mfb::EMR_SELECTOBJECT, U32s({4}))
-        .record(mfb::EMR_SETTEXTCOLOR, U32s({0x00FF0000}))
-        .record(mfb::EMR_EXTTEXTOUTW,
+        .record(EMR_EXTCREATEPEN, U32s({2, 0, 0, 0, 0, 7, 5, 0, 0xFF, 0, 1000, 3, 1, 2}))
+        .record(EMR_EXTCREATEFONTINDIRECTW, Bytes().u32(4).append(LogFontW(15, 0, 700, "Courier")))
+        .record(EMR_SELECTOBJECT, U32s({4}))
+        .record(EMR_SETTEXTCOLOR, U32s({0x00FF0000}))
+        .record(EMR_EXTTEXTOUTW,
                 U32s({0, 0, 40, 16, 1, 0, 0, 0, 0, 1, 76, 0, 0, 0, 0, 0, 0}).utf16("x", 1));
     for (uint32_t pen : {1, 2})
-        e.record(mfb::EMR_SELECTOBJECT, U32s({pen}))
-            .record(mfb::EMR_POLYLINE, PointList({{0, 0}, {1, 1}}, true));
-    const QString body = testutil::BothOrders(e);
+        e.record(EMR_SELECTOBJECT, U32s({pen}))
+            .record(EMR_POLYLINE, PointList({{0, 0}, {1, 1}}, true));
+    const QString body = BothOrders(e);
     EXPECT_TRUE(body.contains(R"(font-family="Courier"  font-weight="700" )"
                               "\n fill=\"#0000ff\"  font-size=\"4\" "));
     EXPECT_TRUE(body.endsWith(Polyline("0,0 1,1 ", RedPen(2)) +
@@ -85,18 +74,18 @@ TEST(EmfObjects, PenWidthFontHeightAndDashes) {
 // colour. A monochrome brush and a deleted pen select as objects that do not exist.
 TEST(EmfObjects, BrushArgumentsSelectionAndDeletion) {
     Emf created, missing;
-    created.record(mfb::EMR_CREATEMONOBRUSH, U32s({7, 0, 0, 0, 0, 0}))
-        .record(mfb::EMR_CREATEPEN, U32s({8, 0, 4, 0, 0xFF}))
-        .record(mfb::EMR_DELETEOBJECT, U32s({8}));
+    created.record(EMR_CREATEMONOBRUSH, U32s({7, 0, 0, 0, 0, 0}))
+        .record(EMR_CREATEPEN, U32s({8, 0, 4, 0, 0xFF}))
+        .record(EMR_DELETEOBJECT, U32s({8}));
     for (Emf* e : {&created, &missing})
-        e->record(mfb::EMR_SETBKCOLOR, U32s({0x00FF0000}))
-            .record(mfb::EMR_CREATEBRUSHINDIRECT, U32s({3, 2, 0xFF, 4}))
-            .record(mfb::EMR_SELECTOBJECT, U32s({3}))
-            .record(mfb::EMR_SELECTOBJECT, U32s({7}))
-            .record(mfb::EMR_SELECTOBJECT, U32s({8}))
-            .record(mfb::EMR_POLYGON, PointList({{0, 0}, {4, 0}, {4, 4}}, true));
-    const QString body = testutil::BothOrders(missing);
-    EXPECT_EQ(testutil::BothOrders(created), body);
+        e->record(EMR_SETBKCOLOR, U32s({0x00FF0000}))
+            .record(EMR_CREATEBRUSHINDIRECT, U32s({3, 2, 0xFF, 4}))
+            .record(EMR_SELECTOBJECT, U32s({3}))
+            .record(EMR_SELECTOBJECT, U32s({7}))
+            .record(EMR_SELECTOBJECT, U32s({8}))
+            .record(EMR_POLYGON, PointList({{0, 0}, {4, 0}, {4, 4}}, true));
+    const QString body = BothOrders(missing);
+    EXPECT_EQ(BothOrders(created), body);
     for (const char* text : {"id=\"BACKGROUND\" fill=\"#0000ff\"", "id=\"HATCH_CROSS\"",
                              "stroke=\"#ff0000\"", "fill=\"url(#BRUSH_1)\""})
         EXPECT_TRUE(body.contains(text)) << text;
@@ -110,16 +99,16 @@ TEST(EmfObjects, BrushArgumentsSelectionAndDeletion) {
 TEST(EmfPointLists, EachRecordHasItsOwnMappingAndWriterCall) {
     const Points pts = {{10, 20}, {30, 40}, {50, 60}, {70, 80}};
     const std::pair<uint32_t, QString> cases[] = {
-        {mfb::EMR_POLYLINE, Polyline("10,20 30,40 50,60 ")},
-        {mfb::EMR_POLYGON, Polygon("10,20 30,40 50,60 ")},
-        {mfb::EMR_POLYLINETO, Polyline("10,20 30,40 50,60 ") + Line(5, 5, 10, 20)},
-        {mfb::EMR_POLYBEZIER, Curve("M5,10 C15,20 25,30 35,40")},
-        {mfb::EMR_POLYBEZIERTO, Curve("M5,5 C10,20 30,40 50,60")},
-        {mfb::EMR_POLYLINE16, Polyline("-10,5 -20,15 -30,25 ")},
-        {mfb::EMR_POLYGON16, Polygon("-10,5 -20,15 -30,25 ")},
-        {mfb::EMR_POLYLINETO16, Polyline("5,10 15,20 25,30 ") + Line(5, 5, 5, 10)},
-        {mfb::EMR_POLYBEZIER16, Curve("M5,10 C15,20 25,30 35,40")},
-        {mfb::EMR_POLYBEZIERTO16, Curve("M5,5 C5,10 15,20 25,30")},
+        {EMR_POLYLINE, Polyline("10,20 30,40 50,60 ")},
+        {EMR_POLYGON, Polygon("10,20 30,40 50,60 ")},
+        {EMR_POLYLINETO, Polyline("10,20 30,40 50,60 ") + Line(5, 5, 10, 20)},
+        {EMR_POLYBEZIER, Curve("M5,10 C15,20 25,30 35,40")},
+        {EMR_POLYBEZIERTO, Curve("M5,5 C10,20 30,40 50,60")},
+        {EMR_POLYLINE16, Polyline("-10,5 -20,15 -30,25 ")},
+        {EMR_POLYGON16, Polygon("-10,5 -20,15 -30,25 ")},
+        {EMR_POLYLINETO16, Polyline("5,10 15,20 25,30 ") + Line(5, 5, 5, 10)},
+        {EMR_POLYBEZIER16, Curve("M5,10 C15,20 25,30 35,40")},
+        {EMR_POLYBEZIERTO16, Curve("M5,5 C5,10 15,20 25,30")},
     };
     for (const auto& [type, expected] : cases) {
         const bool wide = type < 85, bezier = type == 2 || type == 85;
@@ -127,10 +116,10 @@ TEST(EmfPointLists, EachRecordHasItsOwnMappingAndWriterCall) {
         const Points used(pts.begin(), pts.end() - !bezier);
         const auto body = [&, type = type](const Bytes& list) {
             Emf e = Halved();
-            e.record(mfb::EMR_SETWORLDTRANSFORM, Bytes().f32(0).f32(1).f32(-1).f32(0).f32(0).f32(0))
-                .record(mfb::EMR_MOVETOEX, U32s({10, 10}))
+            e.record(EMR_SETWORLDTRANSFORM, Bytes().f32(0).f32(1).f32(-1).f32(0).f32(0).f32(0))
+                .record(EMR_MOVETOEX, U32s({10, 10}))
                 .record(type, list);
-            return testutil::BothOrders(e);
+            return BothOrders(e);
         };
         EXPECT_EQ(body(PointList(used, wide)), expected) << type;
         EXPECT_EQ(body(Payload({0x40000000}, used, wide)), expected) << type;
@@ -145,37 +134,35 @@ TEST(EmfPointLists, EachRecordHasItsOwnMappingAndWriterCall) {
 // does not.
 TEST(EmfPointLists, SixteenBitCoordinatesWrapAround) {
     Emf e;
-    e.record(mfb::EMR_SETWINDOWORGEX, Bytes().i32(-10000).i32(10000))
-        .record(mfb::EMR_MOVETOEX, Bytes().i32(30000).i32(-30000))
-        .record(mfb::EMR_POLYLINE16, PointList({{30000, -30000}}, false))
-        .record(mfb::EMR_POLYBEZIER16, PointList({{30000, -30000}}, false))
-        .record(mfb::EMR_LINETO, U32s({0, 0}));
-    EXPECT_EQ(testutil::BothOrders(e), Polyline("-25536,25536 ") + Curve("M-25536,25536 ") +
-                                           Line(40000, -40000, 10000, -10000));
+    e.record(EMR_SETWINDOWORGEX, Bytes().i32(-10000).i32(10000))
+        .record(EMR_MOVETOEX, Bytes().i32(30000).i32(-30000))
+        .record(EMR_POLYLINE16, PointList({{30000, -30000}}, false))
+        .record(EMR_POLYBEZIER16, PointList({{30000, -30000}}, false))
+        .record(EMR_LINETO, U32s({0, 0}));
+    EXPECT_EQ(BothOrders(e), Polyline("-25536,25536 ") + Curve("M-25536,25536 ") +
+                                 Line(40000, -40000, 10000, -10000));
 }
 
 // Each polygon is cut to the points that remain in the record; a record whose polygon counts
 // or poly-draw types would lie outside it draws nothing.
 TEST(EmfPolyLists, OneWriterCallPerPolygonInsideTheRecord) {
     Emf e = Halved();
-    e.record(mfb::EMR_POLYPOLYGON16,
+    e.record(EMR_POLYPOLYGON16,
              Payload({2, 7, 3, 4}, {{0, 0}, {8, 0}, {8, 8}, {20, 20}, {40, 20}, {40, 40}, {20, 40}},
                      false))
-        .record(mfb::EMR_POLYPOLYLINE,
-                Payload({2, 4, 2, 2}, {{0, 0}, {8, 8}, {20, 20}, {40, 40}}, true))
+        .record(EMR_POLYPOLYLINE, Payload({2, 4, 2, 2}, {{0, 0}, {8, 8}, {20, 20}, {40, 40}}, true))
         // Counts summing to less than 0 as signed values map no point.
-        .record(mfb::EMR_POLYPOLYLINE16, Payload({2, 2, 2, 0xFFFFFFF0}, {{8, 8}, {4, 4}}, false))
-        .record(mfb::EMR_POLYPOLYGON, Payload({2, 3, 0, 3}, {{8, 8}, {4, 4}, {4, 8}}, true))
-        .record(mfb::EMR_POLYPOLYGON16, Payload({0, 0}, {}, false))
-        .record(mfb::EMR_POLYPOLYLINE, Payload({1000, 2, 2, 2}, {{0, 0}, {1, 1}}, true))
-        .record(mfb::EMR_POLYPOLYGON16,
-                Payload({2, 5, 3, 100}, {{0, 0}, {2, 0}, {2, 2}, {6, 6}}, false))
+        .record(EMR_POLYPOLYLINE16, Payload({2, 2, 2, 0xFFFFFFF0}, {{8, 8}, {4, 4}}, false))
+        .record(EMR_POLYPOLYGON, Payload({2, 3, 0, 3}, {{8, 8}, {4, 4}, {4, 8}}, true))
+        .record(EMR_POLYPOLYGON16, Payload({0, 0}, {}, false))
+        .record(EMR_POLYPOLYLINE, Payload({1000, 2, 2, 2}, {{0, 0}, {1, 1}}, true))
+        .record(EMR_POLYPOLYGON16, Payload({2, 5, 3, 100}, {{0, 0}, {2, 0}, {2, 2}, {6, 6}}, false))
         // Poly-draw maps its points in place and passes its point types on.
-        .record(mfb::EMR_POLYDRAW16,
+        .record(EMR_POLYDRAW16,
                 PointList({{0, 0}, {10, 0}, {10, 10}, {20, 20}, {20, 0}, {40, 0}, {40, 20}}, false)
                     .append(Bytes().u8(6).u8(2).u8(3).u8(6).u8(4).u8(0).u8(0)))
-        .record(mfb::EMR_POLYDRAW16, PointList({{0, 0}, {2, 2}}, false));  // no types
-    EXPECT_EQ(testutil::BothOrders(e),
+        .record(EMR_POLYDRAW16, PointList({{0, 0}, {2, 2}}, false));  // no types
+    EXPECT_EQ(BothOrders(e),
               Polygon("0,0 4,0 4,4 ") + Polygon("10,10 20,10 20,20 10,20 ") + Polyline("0,0 8,8 ") +
                   Polyline("20,20 40,40 ") + Polyline("8,8 4,4 ") + Polyline("") + Polygon("") +
                   Polygon("8,8 4,4 4,8 ") + Polygon("0,0 1,0 1,1 ") + Polygon("3,3 ") +
@@ -187,18 +174,17 @@ TEST(EmfPaths, BracketCollectsFiguresUntilFilledStrokedOrAborted) {
     const Bytes square = PointList({{0, 0}, {4, 0}, {4, 4}}, false);
     const QString fill = " fill=\"white\" stroke=\"none\" stroke-width=\"0\" />\n";
     Emf e;
-    e.record(mfb::EMR_CREATEPEN, U32s({1, 0, 1, 0, 0xFF})).record(mfb::EMR_SELECTOBJECT, U32s({1}));
-    Bare(e, {mfb::EMR_BEGINPATH})
-        .record(mfb::EMR_POLYGON16, square)
-        .record(mfb::EMR_POLYBEZIER, PointList({{3, 7}, {4, 4}, {5, 5}, {6, 6}}, true));
-    Bare(e, {mfb::EMR_CLOSEFIGURE, mfb::EMR_ENDPATH, mfb::EMR_STROKEPATH, mfb::EMR_BEGINPATH})
-        .record(mfb::EMR_POLYLINE, PointList({{1, 1}, {2, 2}}, true));
-    Bare(e, {mfb::EMR_ENDPATH, mfb::EMR_FILLPATH, mfb::EMR_BEGINPATH})
-        .record(mfb::EMR_POLYGON16, square);
-    Bare(e, {mfb::EMR_ENDPATH, mfb::EMR_ABORTPATH, mfb::EMR_FILLPATH});
-    EXPECT_EQ(testutil::BothOrders(e),
-              "\n<path d = \" M0,0  L4,0  L4,4  ZM3,7 C4,4 5,5 6,6 L3,7 \"" + RedPen(1) +
-                  "/>\n\n<path d = \" M1,1  L2,2  Z\"" + fill + "\n<path d = \"\"" + fill);
+    e.record(EMR_CREATEPEN, U32s({1, 0, 1, 0, 0xFF})).record(EMR_SELECTOBJECT, U32s({1}));
+    Bare(e, {EMR_BEGINPATH})
+        .record(EMR_POLYGON16, square)
+        .record(EMR_POLYBEZIER, PointList({{3, 7}, {4, 4}, {5, 5}, {6, 6}}, true));
+    Bare(e, {EMR_CLOSEFIGURE, EMR_ENDPATH, EMR_STROKEPATH, EMR_BEGINPATH})
+        .record(EMR_POLYLINE, PointList({{1, 1}, {2, 2}}, true));
+    Bare(e, {EMR_ENDPATH, EMR_FILLPATH, EMR_BEGINPATH}).record(EMR_POLYGON16, square);
+    Bare(e, {EMR_ENDPATH, EMR_ABORTPATH, EMR_FILLPATH});
+    EXPECT_EQ(BothOrders(e), "\n<path d = \" M0,0  L4,0  L4,4  ZM3,7 C4,4 5,5 6,6 L3,7 \"" +
+                                 RedPen(1) + "/>\n\n<path d = \" M1,1  L2,2  Z\"" + fill +
+                                 "\n<path d = \"\"" + fill);
 }
 
 // Records of every type, shorter than their layout or filled with noise, are read as far as
@@ -211,8 +197,8 @@ TEST(EmfMalformed, ShortAndNoisyRecordsAreSurvived) {
             for (int i = 0; i < length; ++i, seed = seed * 1103515245u + 12345u)
                 noise.u8((uint8_t)(seed >> 16));
             Emf e;
-            e.record(type, noise).record(mfb::EMR_POLYLINE, PointList({{1, 1}}, true));
-            const auto r = testutil::Convert(e.build());
+            e.record(type, noise).record(EMR_POLYLINE, PointList({{1, 1}}, true));
+            const auto r = Convert(e.build());
             EXPECT_TRUE(r.status == 1 && r.svg.endsWith("</svg>\n")) << type << " " << length;
         }
     }

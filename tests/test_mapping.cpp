@@ -1,9 +1,7 @@
 // Coordinate mapping of both interpreters, driven by their mapping records.
-#include <gtest/gtest.h>
 
 #include <array>
 #include <memory>
-#include <tuple>
 
 #include "api/Logger.h"
 #include "emf/Emf2SVG.h"

@@ -1,6 +1,5 @@
 // The record walks of both interpreters, the record log and the record-name tables; the
 // system-log lines: the trace convention and the unconditional info lines.
-#include <gtest/gtest.h>
 
 #include <QCryptographicHash>
 #include <QFile>
@@ -8,7 +7,6 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <map>
-#include <tuple>
 
 #include "api/Logger.h"
 #include "emf/Emf2SVG.h"
@@ -16,7 +14,7 @@
 #include "tests/TestUtil.h"
 #include "wmf/Wmf2SVG.h"
 
-using testutil::Convert;
+using namespace testutil;
 
 namespace {
 
@@ -121,10 +119,9 @@ TEST(RecordNames, TablesAreComplete) {
 TEST(Trace, LinesOfEachLevel) {
     std::vector<std::string> traces;
     for (const std::string level : {"TRACE", "INFO", "WARN", "FATAL", "trace-ish"}) {
-        testutil::LogCapture log(level);
-        testutil::Convert(mfb::Emf().record(mfb::EMR_SETMAPMODE, mfb::Bytes().u32(8)).build());
-        testutil::Convert(
-            mfb::Wmf().record(mfb::META_SETWINDOWORG, mfb::Bytes().i16(0).i16(0)).build());
+        LogCapture log(level);
+        Convert(mfb::Emf().record(mfb::EMR_SETMAPMODE, mfb::Bytes().u32(8)).build());
+        Convert(mfb::Wmf().record(mfb::META_SETWINDOWORG, mfb::Bytes().i16(0).i16(0)).build());
         EXPECT_EQ(log.at(basic_logging::Level::Trace).empty(), level != "TRACE") << level;
         if (level == "TRACE") traces = log.at(basic_logging::Level::Trace);
         const auto info = log.at(basic_logging::Level::Info);

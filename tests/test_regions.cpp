@@ -1,21 +1,19 @@
 // Region outlines and rectangle-list conversions.
-#include <gtest/gtest.h>
 
 #include <climits>
 #include <list>
 #include <random>
-#include <tuple>
-#include <vector>
 
 #include "geometry/RgnPathUtil.h"
-#include "svg/SVGWriter.h"
 #include "tests/TestUtil.h"
+
+using namespace mfb;
+using namespace testutil;
 
 namespace {
 
 // Segments as "x1,y1-x2,y2" each followed by a space.
-template <class L>
-std::string Listed(const std::list<L>& lines) {
+std::string Listed(const std::list<CLine>& lines) {
     std::string s;
     for (const CLine& l : lines)
         s += QString::asprintf("%d,%d-%d,%d ", l.x1, l.y1, l.x2, l.y2).toStdString();
@@ -50,10 +48,9 @@ void EveryPairPass(std::list<L>& list, Split split) {
 std::string EveryPairOutline(const std::vector<tagRECT>& rects) {
     std::list<CHLine> h;
     std::list<CVLine> v;
-    for (const tagRECT& r : rects) {
+    for (const tagRECT& r : rects)
         for (bool far : {false, true})
             v.push_back(GetVLine(&r, far)), h.push_back(GetHLine(&r, far));
-    }
     EveryPairPass(h, HSplitIfOverlap);
     EveryPairPass(v, VSplitIfOverlap);
     std::list<CLine> out(h.begin(), h.end());
@@ -178,11 +175,10 @@ TEST(RegionConversion, UnionAndRectanglesOfARegion) {
 
 namespace {
 
-using testutil::Line;
 const QString kRedFill = "stroke=\"none\" stroke-width=\"1\" fill=\"#ff0000\"\n";
 const QString kClipRect = R"(stroke="none" fill="none" stroke-width="1" )";
 
-QString Rect(const tagRECT& r, const QString& style) {
+QString RectOf(const tagRECT& r, const QString& style) {
     const char* f = "<rect x=\"%d\" y=\"%d\" width=\"%d\" height=\"%d\" rx=\"0\" ry=\"0\" ";
     return QString::asprintf(f, r.left, r.top, r.right - r.left, r.bottom - r.top) + style + "/>\n";
 }
@@ -200,10 +196,6 @@ QString ClipDef(int id, const QString& content) {
 
 const tagRECT kTouching[] = {{0, 0, 10, 10}, {10, 0, 20, 5}};
 
-using mfb::Bytes;
-using mfb::RegionData;
-using testutil::BothOrders;
-
 // A fill record's payload, or with the stroke sizes a frame record's.
 Bytes Fill(uint32_t brush, const Bytes& region, const Bytes& stroke = Bytes()) {
     return Bytes().zeros(16).u32(region.size()).u32(brush).append(stroke).append(region);
@@ -219,26 +211,26 @@ Bytes Clip(uint32_t mode, const Bytes& region) {
 // the record are cut to the rectangles inside it, counts with the top bit set give none; the
 // rectangles may start anywhere after the header.
 TEST(EmfRegions, FillAndFrameRecords) {
-    const std::vector<mfb::Rect> touching = {{0, 0, 20, 20}, {20, 0, 40, 10}};
-    mfb::Emf e = testutil::Halved().bounds(0, 0, 100, 50);
-    e.record(mfb::EMR_CREATEBRUSHINDIRECT, Bytes().u32(1).u32(0).u32(0xFF).u32(0))
-        .record(mfb::EMR_FILLRGN, Fill(1, RegionData(touching)))
-        .record(mfb::EMR_FRAMERGN, Fill(1, RegionData(touching), Bytes().u32(2).u32(3)))
-        .record(mfb::EMR_FRAMERGN, Fill(9, RegionData(touching), Bytes().u32(4).u32(5)))
-        .record(mfb::EMR_FILLRGN, Fill(9, RegionData({{0, 0, 20, 20}})))
-        .record(mfb::EMR_FILLRGN, Fill(1, RegionData({{0, 0, 20, 20}}, 5)))
-        .record(mfb::EMR_FILLRGN, Fill(1, RegionData(touching, 0x80000000u)))
-        .record(mfb::EMR_FILLRGN, Fill(1, RegionData(touching, 0)))
-        .record(mfb::EMR_FILLRGN, Fill(1, RegionData({{20, 0, 40, 10}}, -1, 34)))
+    const std::vector<Rect> touching = {{0, 0, 20, 20}, {20, 0, 40, 10}};
+    Emf e = Halved().bounds(0, 0, 100, 50);
+    e.record(EMR_CREATEBRUSHINDIRECT, Bytes().u32(1).u32(0).u32(0xFF).u32(0))
+        .record(EMR_FILLRGN, Fill(1, RegionData(touching)))
+        .record(EMR_FRAMERGN, Fill(1, RegionData(touching), Bytes().u32(2).u32(3)))
+        .record(EMR_FRAMERGN, Fill(9, RegionData(touching), Bytes().u32(4).u32(5)))
+        .record(EMR_FILLRGN, Fill(9, RegionData({{0, 0, 20, 20}})))
+        .record(EMR_FILLRGN, Fill(1, RegionData({{0, 0, 20, 20}}, 5)))
+        .record(EMR_FILLRGN, Fill(1, RegionData(touching, 0x80000000u)))
+        .record(EMR_FILLRGN, Fill(1, RegionData(touching, 0)))
+        .record(EMR_FILLRGN, Fill(1, RegionData({{20, 0, 40, 10}}, -1, 34)))
         .record(
-            mfb::EMR_FILLRGN,
+            EMR_FILLRGN,
             Fill(1, Bytes().u32(0xFFFFFFF0u).u32(1).u32(1).zeros(20).append(RegionData(touching))));
-    EXPECT_EQ(BothOrders(e), Rect(kTouching[0], kRedFill) + Rect(kTouching[1], kRedFill) +
+    EXPECT_EQ(BothOrders(e), RectOf(kTouching[0], kRedFill) + RectOf(kTouching[1], kRedFill) +
                                  TouchingOutline("stroke=\"#ff0000\"\nstroke-width=\"3\" ",
                                                  "stroke=\"#ff0000\"\nstroke-width=\"2\" ") +
                                  TouchingOutline("stroke-width=\"5\" ", "stroke-width=\"4\" ") +
-                                 Rect(kTouching[0], R"(stroke="none" stroke-width="1" )") +
-                                 Rect(kTouching[0], kRedFill) + Rect(kTouching[1], kRedFill));
+                                 RectOf(kTouching[0], R"(stroke="none" stroke-width="1" )") +
+                                 RectOf(kTouching[0], kRedFill) + RectOf(kTouching[1], kRedFill));
 }
 
 // The clip region starts as the header's bounds; AND, OR and XOR records combine their
@@ -247,31 +239,30 @@ TEST(EmfRegions, FillAndFrameRecords) {
 // rectangles of a region clip defined while it is selected; the next clip path drops it first.
 // A grid of 360,000 rectangles from a file of 20 kB is beyond the file's budget and skipped.
 TEST(EmfRegions, ClipRegionsAccumulate) {
-    std::vector<mfb::Rect> strips;
+    std::vector<Rect> strips;
     for (const tagRECT& r : Strips(600)) strips.push_back({r.left, r.top, r.right, r.bottom});
-    mfb::Emf e = testutil::Halved().bounds(0, 0, 100, 50);
-    e.record(mfb::EMR_EXTSELECTCLIPRGN, Clip(1, RegionData(strips)))
-        .record(mfb::EMR_EXTSELECTCLIPRGN, Clip(1, RegionData({{10, 10, 30, 30}})))
-        .record(mfb::EMR_EXTSELECTCLIPRGN, Clip(1, RegionData({{20, 0, 60, 20}})))
-        .record(mfb::EMR_EXTSELECTCLIPRGN, Clip(2, RegionData({{0, 40, 10, 50}})))
-        .record(mfb::EMR_EXTSELECTCLIPRGN, Clip(5, RegionData({{0, 0, 5, 5}})))
-        .record(mfb::EMR_EXTSELECTCLIPRGN, Clip(3, RegionData({{20, 10, 25, 20}})))
-        .record(mfb::EMR_EXTSELECTCLIPRGN, Bytes().u32(0).u32(1).append(RegionData({})))
-        .record(mfb::EMR_INTERSECTCLIPRECT, Bytes().i32(0).i32(0).i32(1).i32(1))
-        .record(mfb::EMR_LINETO, Bytes().i32(8).i32(8))
-        .record(mfb::EMR_BEGINPATH, Bytes())
-        .record(mfb::EMR_POLYGON16,
-                Bytes().zeros(16).u32(3).append(mfb::Points16({{0, 0}, {10, 0}, {10, 10}})))
-        .record(mfb::EMR_ENDPATH, Bytes())
-        .record(mfb::EMR_SELECTCLIPPATH, Bytes().u32(5))
-        .record(mfb::EMR_POLYLINE16,
-                Bytes().zeros(16).u32(2).append(mfb::Points16({{2, 2}, {4, 4}})))
-        .record(mfb::EMR_EXTSELECTCLIPRGN, Clip(2, RegionData({{0, 40, 4, 44}})))
-        .record(mfb::EMR_SELECTCLIPPATH, Bytes().u32(5));
-    const QString clipped6 = "clip-path=\"url(#ClPath6)\"", noPen = testutil::kNoPen;
+    Emf e = Halved().bounds(0, 0, 100, 50);
+    e.record(EMR_EXTSELECTCLIPRGN, Clip(1, RegionData(strips)))
+        .record(EMR_EXTSELECTCLIPRGN, Clip(1, RegionData({{10, 10, 30, 30}})))
+        .record(EMR_EXTSELECTCLIPRGN, Clip(1, RegionData({{20, 0, 60, 20}})))
+        .record(EMR_EXTSELECTCLIPRGN, Clip(2, RegionData({{0, 40, 10, 50}})))
+        .record(EMR_EXTSELECTCLIPRGN, Clip(5, RegionData({{0, 0, 5, 5}})))
+        .record(EMR_EXTSELECTCLIPRGN, Clip(3, RegionData({{20, 10, 25, 20}})))
+        .record(EMR_EXTSELECTCLIPRGN, Bytes().u32(0).u32(1).append(RegionData({})))
+        .record(EMR_INTERSECTCLIPRECT, Bytes().i32(0).i32(0).i32(1).i32(1))
+        .record(EMR_LINETO, Bytes().i32(8).i32(8))
+        .record(EMR_BEGINPATH, Bytes())
+        .record(EMR_POLYGON16,
+                Bytes().zeros(16).u32(3).append(Points16({{0, 0}, {10, 0}, {10, 10}})))
+        .record(EMR_ENDPATH, Bytes())
+        .record(EMR_SELECTCLIPPATH, Bytes().u32(5))
+        .record(EMR_POLYLINE16, Bytes().zeros(16).u32(2).append(Points16({{2, 2}, {4, 4}})))
+        .record(EMR_EXTSELECTCLIPRGN, Clip(2, RegionData({{0, 40, 4, 44}})))
+        .record(EMR_SELECTCLIPPATH, Bytes().u32(5));
+    const QString clipped6 = "clip-path=\"url(#ClPath6)\"", noPen = kNoPen;
     const auto def = [](int id, std::vector<tagRECT> rects, const QString& clip = "") {
         QString content;
-        for (const tagRECT& r : rects) content += Rect(r, kClipRect + clip);
+        for (const tagRECT& r : rects) content += RectOf(r, kClipRect + clip);
         return ClipDef(id, content);
     };
     EXPECT_EQ(
@@ -294,32 +285,30 @@ TEST(EmfRegions, ClipRegionsAccumulate) {
 // combined (their bands times their widths are far above the file's budget); a clip
 // rectangle 2^31 - 1 wide keeps its width.
 TEST(EmfRegions, HonestClipsAreWrittenWhole) {
-    std::vector<mfb::Rect> strips, comb;
+    std::vector<Rect> strips, comb;
     for (int i = 0; i < 100; ++i) strips.push_back({200 + 2 * i, 100, 201 + 2 * i, 101});
     for (int i = 0; i < 363; ++i) comb.push_back({2 * i, 0, 2 * i + 1, 1});
     for (int j = 1; j < 363; ++j) comb.push_back({0, j, 1 + j % 2, j + 1});
-    mfb::Emf restated = mfb::Emf().bounds(0, 0, 100, 50);
-    restated.record(mfb::EMR_EXTSELECTCLIPRGN, Clip(2, RegionData(strips)));
+    Emf restated = Emf().bounds(0, 0, 100, 50);
+    restated.record(EMR_EXTSELECTCLIPRGN, Clip(2, RegionData(strips)));
     for (int i = 0; i < 70; ++i)
-        restated.record(mfb::EMR_EXTSELECTCLIPRGN, Clip(5, RegionData({{0, 0, 1, 1}})));
+        restated.record(EMR_EXTSELECTCLIPRGN, Clip(5, RegionData({{0, 0, 1, 1}})));
     const struct {
-        mfb::Emf file;
+        Emf file;
         int clips, rects, leastPerByte;
         QString text;
     } cases[] = {
         {restated, 71, 71 * 101, 64, ""},
-        {mfb::Emf()
-             .bounds(0, 0, 1000, 1000)
-             .record(mfb::EMR_EXTSELECTCLIPRGN, Clip(1, RegionData(comb))),
-         1, 725, 0, ""},
-        {mfb::Emf()
+        {Emf().bounds(0, 0, 1000, 1000).record(EMR_EXTSELECTCLIPRGN, Clip(1, RegionData(comb))), 1,
+         725, 0, ""},
+        {Emf()
              .bounds(0, 0, 100, 50)
-             .record(mfb::EMR_EXTSELECTCLIPRGN, Clip(2, RegionData({{0, 60, INT_MAX, 70}}))),
+             .record(EMR_EXTSELECTCLIPRGN, Clip(2, RegionData({{0, 60, INT_MAX, 70}}))),
          1, 2, 0, R"(x="0" y="60" width="2147483647" height="10")"},
     };
     for (const auto& c : cases) {
         const QByteArray in = c.file.build();
-        const testutil::Result out = testutil::Convert(in);
+        const Result out = Convert(in);
         EXPECT_EQ(out.status, 1);
         EXPECT_EQ(out.svg.count("<clipPath"), c.clips);
         EXPECT_EQ(out.svg.count("<rect"), c.rects);

@@ -1,17 +1,13 @@
 // Ellipse geometry, and the EMF rectangle, ellipse and arc records end to end in both byte
 // orders, as drawn and under a divisor of 2 with a window origin.
-#include <gtest/gtest.h>
 
 #include <QPoint>
 #include <limits>
-#include <tuple>
-#include <vector>
 
 #include "geometry/GeometricHelpers.h"
 #include "tests/TestUtil.h"
 
-using mfb::Bytes;
-using mfb::I32s;
+using namespace mfb;
 
 namespace {
 
@@ -63,54 +59,52 @@ TEST(EmfShapes, EachRecordMapsItsOwnValues) {
     const Bytes arc = I32s({0, 0, 200, 100, 200, 100, 0, 0});
     // The records, what they draw, and what they draw halved (no halved run when null).
     const std::tuple<std::vector<std::pair<uint32_t, Bytes>>, const char*, const char*> cases[] = {
-        {{{mfb::EMR_RECTANGLE, I32s({10, 20, 110, 70})}},
+        {{{EMR_RECTANGLE, I32s({10, 20, 110, 70})}},
          R"(<rect x="10" y="20" width="100" height="50" rx="0" ry="0" |)",
          R"(<rect x="-5" y="0" width="50" height="25" rx="0" ry="0" |)"},
-        {{{mfb::EMR_RECTANGLE, I32s({110, 70, 10, 20})}},
+        {{{EMR_RECTANGLE, I32s({110, 70, 10, 20})}},
          R"(<rect x="110" y="70" width="-100" height="-50" rx="0" ry="0" |)",
          nullptr},
-        {{{mfb::EMR_ROUNDRECT, I32s({10, 20, 110, 70, 15, -15})}},
+        {{{EMR_ROUNDRECT, I32s({10, 20, 110, 70, 15, -15})}},
          R"(<rect x="10" y="20" width="100" height="50" rx="7" ry="-7" |)",
          R"(<rect x="-5" y="0" width="50" height="25" rx="7" ry="-7" |)"},
-        {{{mfb::EMR_ELLIPSE, I32s({0, 0, 101, 100})}},
-         R"(<circle cx="50" cy = "50" r="50" |)",
-         nullptr},
-        {{{mfb::EMR_ELLIPSE, I32s({0, 0, 100, 98})}},
+        {{{EMR_ELLIPSE, I32s({0, 0, 101, 100})}}, R"(<circle cx="50" cy = "50" r="50" |)", nullptr},
+        {{{EMR_ELLIPSE, I32s({0, 0, 100, 98})}},
          R"(<ellipse cx="50" cy = "49" rx = "50" ry = "49 " |)",
          R"(<circle cx="15" cy = "14" r="25" |)"},
-        {{{mfb::EMR_ARC, arc}},
+        {{{EMR_ARC, arc}},
          R"(<path d="M170,85 a100,50 0 0,0 -140,-70" |)",
          R"(<path d="M75,32 a100,50 0 0,0 -70,-34" |)"},
-        {{{mfb::EMR_CHORD, arc}}, R"(<path d="M170,85a100,50 0 0,0 -140,-70 z " |)", nullptr},
-        {{{mfb::EMR_ARCTO, arc}, {mfb::EMR_LINETO, I32s({0, 0})}},
+        {{{EMR_CHORD, arc}}, R"(<path d="M170,85a100,50 0 0,0 -140,-70 z " |)", nullptr},
+        {{{EMR_ARCTO, arc}, {EMR_LINETO, I32s({0, 0})}},
          R"(<path d="M170,85 a100,50 0 0,0 -140,-70" |<line x1="0" y1 = "0" x2 ="170" y2="85" |)"
          R"(<line x1="30" y1 = "15" x2 ="0" y2="0" |)",
          R"(<path d="M75,32 a100,50 0 0,0 -70,-34" |<line x1="0" y1 = "0" x2 ="75" y2="32" |)"
          R"(<line x1="5" y1 = "-2" x2 ="-10" y2="-10" |)"},
-        {{{mfb::EMR_PIE, I32s({0, 0, 200, 100, 0, 0, 200, 100})}},
+        {{{EMR_PIE, I32s({0, 0, 200, 100, 0, 0, 200, 100})}},
          R"(<path d="M30,15a100,50 0 1,0 140,70l-70,-35 z " |)",
          R"(<path d="M5,-2a100,50 0 1,0 70,34l-35,-17 z " |)"},
-        {{{mfb::EMR_PIE, I32s({10, 10, 10, 10, 0, 0, 20, 20})}},
+        {{{EMR_PIE, I32s({10, 10, 10, 10, 0, 0, 20, 20})}},
          R"(<path d="M10,10a0,0 0 0,0 0,0l0,0 z " |)",
          nullptr},
-        {{{mfb::EMR_ANGLEARC, AngleArc(0, 90)}},
+        {{{EMR_ANGLEARC, AngleArc(0, 90)}},
          R"(<path d="M150,100 a50,50 0 0,0 -51,-50" |<line x1="0" y1 = "0" x2 ="150" y2="100" |)",
          R"(<path d="M65,40 a50,50 0 0,0 -26,-25" |<line x1="0" y1 = "0" x2 ="65" y2="40" |)"},
-        {{{mfb::EMR_ANGLEARC, AngleArc(0, -270)}},  // clockwise: sweep 1, and never large
+        {{{EMR_ANGLEARC, AngleArc(0, -270)}},  // clockwise: sweep 1, and never large
          R"(<path d="M150,100 a50,50 0 0,1 -50,-50" |<line x1="0" y1 = "0" x2 ="150" y2="100" |)",
          nullptr},
-        {{{mfb::EMR_ANGLEARC, AngleArc(90, 400, -50)}},
+        {{{EMR_ANGLEARC, AngleArc(90, 400, -50)}},
          R"(<path d="M100,149 a-50,-50 0 1,0 32,-11" |<line x1="0" y1 = "0" x2 ="100" y2="149" |)",
          nullptr},
-        {{{mfb::EMR_ANGLEARC, AngleArc(nan, 90)}},
+        {{{EMR_ANGLEARC, AngleArc(nan, 90)}},
          R"(<path d="M100,100 a50,50 0 0,0 0,0" |<line x1="0" y1 = "0" x2 ="100" y2="100" |)",
          nullptr},
-        {{{mfb::EMR_ANGLEARC, AngleArc(0, std::numeric_limits<float>::infinity())}},
+        {{{EMR_ANGLEARC, AngleArc(0, std::numeric_limits<float>::infinity())}},
          R"(<path d="M150,100 a50,50 0 1,0 -50,0" |<line x1="0" y1 = "0" x2 ="150" y2="100" |)",
          nullptr},
     };
     for (const auto& [records, drawn, halved] : cases) {
-        mfb::Emf e, h = testutil::Halved().record(mfb::EMR_SETWINDOWORGEX, I32s({10, 10}));
+        Emf e, h = testutil::Halved().record(EMR_SETWINDOWORGEX, I32s({10, 10}));
         for (const auto& [type, payload] : records)
             e.record(type, payload), h.record(type, payload);
         EXPECT_EQ(testutil::BothOrders(e), Out(drawn));

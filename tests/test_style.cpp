@@ -1,11 +1,8 @@
 // Style manager: object table, selection, attribute texts, fonts, clipping and hatch patterns.
-#include <gtest/gtest.h>
 
 #include <cstring>
-#include <tuple>
 
-#include "TestUtil.h"
-#include "style/StyleMgr.h"
+#include "tests/TestUtil.h"
 
 namespace {
 

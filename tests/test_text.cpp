@@ -1,16 +1,11 @@
 // Text: characters as UTF-8, escaped as QString would be; the reference point; the EMF and
 // WMF text records end to end in both byte orders.
-#include <gtest/gtest.h>
 
 #include <QPoint>
-#include <QString>
-#include <vector>
 
-#include "svg/SVGWriter.h"
 #include "tests/TestUtil.h"
 
-using mfb::Bytes;
-using mfb::U32s;
+using namespace mfb;
 
 namespace {
 
@@ -109,46 +104,44 @@ TEST(EmfText, RecordsDrawTheirCharacters) {
     const std::pair<std::vector<std::pair<uint32_t, Bytes>>, QString> cases[] = {
         // Bottom alignment lifts the point by the descent. The window origin is subtracted;
         // once a viewport origin is set, it is added after scaling instead.
-        {{{mfb::EMR_SETTEXTALIGN, U32s({8})},
-          {mfb::EMR_SETWINDOWORGEX, U32s({100, 100})},
-          {mfb::EMR_EXTTEXTOUTW, ExtText("Hi", 150, 150)},
-          {mfb::EMR_SETVIEWPORTORGEX, U32s({10, 20})},
-          {mfb::EMR_EXTTEXTOUTW, ExtText("Hi", 150, 150)},
-          {mfb::EMR_SMALLTEXTOUT, SmallText("Hi", 0x300)}},
+        {{{EMR_SETTEXTALIGN, U32s({8})},
+          {EMR_SETWINDOWORGEX, U32s({100, 100})},
+          {EMR_EXTTEXTOUTW, ExtText("Hi", 150, 150)},
+          {EMR_SETVIEWPORTORGEX, U32s({10, 20})},
+          {EMR_EXTTEXTOUTW, ExtText("Hi", 150, 150)},
+          {EMR_SMALLTEXTOUT, SmallText("Hi", 0x300)}},
          Box(-100, -100) + T(50, 47, "Hi") + Box(-100, -100) + T(160, 167, "Hi") +
              T(110, 70, "Hi", kSmall)},
         // Top alignment; blank text is not drawn, small text is; spaces around text stay.
-        {{{mfb::EMR_EXTTEXTOUTW, ExtText(" \t ")},
-          {mfb::EMR_EXTTEXTOUTW, ExtText(" a&b ")},
-          {mfb::EMR_SMALLTEXTOUT, SmallText(" ", 0x100)}},
+        {{{EMR_EXTTEXTOUTW, ExtText(" \t ")},
+          {EMR_EXTTEXTOUTW, ExtText(" a&b ")},
+          {EMR_SMALLTEXTOUT, SmallText(" ", 0x100)}},
          Box(0, 0) + T(100, 63, " a&amp;b ") + T(100, 50, " ", kSmall)},
         // Small text after its clipping rectangle; 8-bit text ends at a zero byte. Characters
         // past the record's end are not read; an offset past it leaves none. Glyph indices and
         // zero units are kept; a lone surrogate is written as "?".
-        {{{mfb::EMR_SMALLTEXTOUT, SmallText("xy", 0)},
-          {mfb::EMR_SMALLTEXTOUT, SmallText(QString::fromLatin1("\xe9\0z", 3), 0x200)},
-          {mfb::EMR_SMALLTEXTOUT, SmallText("ab", 0x300, 1000)},
-          {mfb::EMR_EXTTEXTOUTW, ExtText("cd", 100, 50, 1000)},
-          {mfb::EMR_EXTTEXTOUTW, ExtText("ef", 100, 50, 2, 1000)},
-          {mfb::EMR_EXTTEXTOUTW,
-           ExtText(QString::fromUtf16(u"g\0\xd800", 3), 100, 50, 3, 76, 0x10)}},
+        {{{EMR_SMALLTEXTOUT, SmallText("xy", 0)},
+          {EMR_SMALLTEXTOUT, SmallText(QString::fromLatin1("\xe9\0z", 3), 0x200)},
+          {EMR_SMALLTEXTOUT, SmallText("ab", 0x300, 1000)},
+          {EMR_EXTTEXTOUTW, ExtText("cd", 100, 50, 1000)},
+          {EMR_EXTTEXTOUTW, ExtText("ef", 100, 50, 2, 1000)},
+          {EMR_EXTTEXTOUTW, ExtText(QString::fromUtf16(u"g\0\xd800", 3), 100, 50, 3, 76, 0x10)}},
          T(100, 50, "xy", kSmall) + T(100, 50, QString::fromUtf8("\xc3\xa9"), kSmall) +
              T(100, 50, "ab", kSmall) + Box(0, 0) + T(100, 63, "cd") + Box(0, 0) +
              T(100, 63, QString::fromUtf8("g\0?", 3))},
         // Font, colours and background mode; the font turned by -90 degrees turns the point.
-        {{{mfb::EMR_EXTCREATEFONTINDIRECTW,
-           Bytes().u32(1).append(mfb::LogFontW(-20, 900, 400, "Courier"))},
-          {mfb::EMR_SELECTOBJECT, U32s({1})},
-          {mfb::EMR_SETTEXTCOLOR, U32s({0x0000FF00})},
-          {mfb::EMR_SETBKCOLOR, U32s({0x000000FF})},
-          {mfb::EMR_EXTTEXTOUTW, ExtText("Hi")},
-          {mfb::EMR_SETBKMODE, U32s({1})},
-          {mfb::EMR_EXTTEXTOUTW, ExtText("Hi")}},
+        {{{EMR_EXTCREATEFONTINDIRECTW, Bytes().u32(1).append(LogFontW(-20, 900, 400, "Courier"))},
+          {EMR_SELECTOBJECT, U32s({1})},
+          {EMR_SETTEXTCOLOR, U32s({0x0000FF00})},
+          {EMR_SETBKCOLOR, U32s({0x000000FF})},
+          {EMR_EXTTEXTOUTW, ExtText("Hi")},
+          {EMR_SETBKMODE, U32s({1})},
+          {EMR_EXTTEXTOUTW, ExtText("Hi")}},
          Box(0, 0, "#ff0000") + turned + T(137, 50, "Hi", kEmf, courier, 20) + "</g>" + turned +
              T(137, 50, "Hi", kEmf, courier, 20) + "</g>"},
     };
     for (const auto& [records, expected] : cases) {
-        mfb::Emf e;
+        Emf e;
         for (const auto& [type, payload] : records) e.record(type, payload);
         EXPECT_EQ(testutil::BothOrders(e), expected);
     }
@@ -161,15 +154,15 @@ TEST(WmfText, ExtTextOutDrawsLatin1Characters) {
     const auto text = [](uint16_t length, uint16_t options, const QByteArray& chars) {
         return Bytes().i16(151).i16(150).u16(length).u16(options).latin1(chars, chars.size());
     };
-    mfb::Wmf wmf;
-    wmf.record(mfb::META_EXTTEXTOUT, text(5, 0, "Hello"))
-        .record(mfb::META_EXTTEXTOUT, text(5, 0, QByteArray("He\0lo", 5)))
-        .record(mfb::META_EXTTEXTOUT, text(2, 4, "ABCDEFGHxy"))
-        .record(mfb::META_EXTTEXTOUT, text(200, 0, "\xe9<"))
-        .record(mfb::META_ARC, Bytes().zeros(16))
-        .record(mfb::META_CREATEFONTINDIRECT, Bytes().i16(210).zeros(16).latin1("Arial", 32))
-        .record(mfb::META_SELECTOBJECT, Bytes().u16(0))
-        .record(mfb::META_EXTTEXTOUT, text(0, 0, ""));
+    Wmf wmf;
+    wmf.record(META_EXTTEXTOUT, text(5, 0, "Hello"))
+        .record(META_EXTTEXTOUT, text(5, 0, QByteArray("He\0lo", 5)))
+        .record(META_EXTTEXTOUT, text(2, 4, "ABCDEFGHxy"))
+        .record(META_EXTTEXTOUT, text(200, 0, "\xe9<"))
+        .record(META_ARC, Bytes().zeros(16))
+        .record(META_CREATEFONTINDIRECT, Bytes().i16(210).zeros(16).latin1("Arial", 32))
+        .record(META_SELECTOBJECT, Bytes().u16(0))
+        .record(META_EXTTEXTOUT, text(0, 0, ""));
     EXPECT_EQ(testutil::BothOrders(wmf),
               T(10, 10, "Hello", kWmf) + T(10, 10, "He", kWmf) + T(10, 10, "AB", kWmf) +
                   T(10, 10, QString::fromUtf8("\xc3\xa9&lt;"), kWmf) +

@@ -1,22 +1,16 @@
 // Writer output for shapes, paths, curves, poly-draw lists and object records.
-#include <gtest/gtest.h>
 
 #include <cmath>
-#include <functional>
 #include <iterator>
-#include <tuple>
-#include <vector>
 
 #include <QTextStream>
 
-#include "TestUtil.h"
-#include "svg/SVGWriter.h"
+#include "tests/TestUtil.h"
 
 namespace {
 
-using testutil::kDefaultStyle;
-using testutil::Line;
-const QString kPen = testutil::kNoPen;
+using namespace testutil;
+const QString kPen = kNoPen;
 // The style manager's brush text while nothing is selected.
 const QString kBrush = R"(" fill="white" stroke="none" stroke-width="0" )";
 const char kRed[] = R"( stroke="red")";
