@@ -86,8 +86,9 @@ TEST(EntryPoints, HostCallsThePlainNamesThroughDlopen) {
     QByteArray out;
     EXPECT_EQ(convert(Emf().build(), out), 1);
     EXPECT_EQ(QString::fromUtf8(out), EmptyDocument(100, 100));
+    // The whole file, as the library converts its bytes.
     EXPECT_EQ(fromFile(QStringLiteral(SVGMODULE_SOURCE_DIR "/examples/example.wmf"), out), 2);
-    EXPECT_TRUE(out.startsWith(Header(400, 450).toUtf8()) && out.endsWith("</svg>\n"));
+    EXPECT_EQ(out, Convert(examples::ExampleWmf()).svg.toUtf8());
     dlclose(lib);
 }
 
