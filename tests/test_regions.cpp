@@ -79,6 +79,35 @@ std::vector<tagRECT> Strips(int n) {
     return strips;
 }
 
+const QString kRedFill = "stroke=\"none\" stroke-width=\"1\" fill=\"#ff0000\"\n";
+const QString kClipRect = R"(stroke="none" fill="none" stroke-width="1" )";
+
+QString RectOf(const tagRECT& r, const QString& style) {
+    const char* f = "<rect x=\"%d\" y=\"%d\" width=\"%d\" height=\"%d\" rx=\"0\" ry=\"0\" ";
+    return QString::asprintf(f, r.left, r.top, r.right - r.left, r.bottom - r.top) + style + "/>\n";
+}
+// The outline of the two touching rectangles below, horizontal segments styled `h`, vertical
+// ones `v`.
+QString TouchingOutline(const QString& h, const QString& v) {
+    return Line(0, 0, 10, 0, h) + Line(0, 10, 10, 10, h) + Line(10, 0, 20, 0, h) +
+           Line(10, 5, 20, 5, h) + Line(0, 0, 0, 10, v) + Line(20, 0, 20, 5, v) +
+           Line(10, 5, 10, 10, v);
+}
+QString ClipDef(int id, const QString& content) {
+    return "\n<defs><clipPath id= \"ClPath" + QString::number(id) + "\">" + content +
+           "</clipPath></defs>";
+}
+
+const tagRECT kTouching[] = {{0, 0, 10, 10}, {10, 0, 20, 5}};
+
+// A fill record's payload, or with the stroke sizes a frame record's.
+Bytes Fill(uint32_t brush, const Bytes& region, const Bytes& stroke = Bytes()) {
+    return Bytes().zeros(16).u32(region.size()).u32(brush).append(stroke).append(region);
+}
+Bytes Clip(uint32_t mode, const Bytes& region) {
+    return Bytes().u32(region.size()).u32(mode).append(region);
+}
+
 }  // namespace
 
 // Worked outlines. Two rectangles touching along x = 10 (seven segments, the top in two pieces)
@@ -172,39 +201,6 @@ TEST(RegionConversion, UnionAndRectanglesOfARegion) {
         previous = oneByOne;
     }
 }
-
-namespace {
-
-const QString kRedFill = "stroke=\"none\" stroke-width=\"1\" fill=\"#ff0000\"\n";
-const QString kClipRect = R"(stroke="none" fill="none" stroke-width="1" )";
-
-QString RectOf(const tagRECT& r, const QString& style) {
-    const char* f = "<rect x=\"%d\" y=\"%d\" width=\"%d\" height=\"%d\" rx=\"0\" ry=\"0\" ";
-    return QString::asprintf(f, r.left, r.top, r.right - r.left, r.bottom - r.top) + style + "/>\n";
-}
-// The outline of the two touching rectangles below, horizontal segments styled `h`, vertical
-// ones `v`.
-QString TouchingOutline(const QString& h, const QString& v) {
-    return Line(0, 0, 10, 0, h) + Line(0, 10, 10, 10, h) + Line(10, 0, 20, 0, h) +
-           Line(10, 5, 20, 5, h) + Line(0, 0, 0, 10, v) + Line(20, 0, 20, 5, v) +
-           Line(10, 5, 10, 10, v);
-}
-QString ClipDef(int id, const QString& content) {
-    return "\n<defs><clipPath id= \"ClPath" + QString::number(id) + "\">" + content +
-           "</clipPath></defs>";
-}
-
-const tagRECT kTouching[] = {{0, 0, 10, 10}, {10, 0, 20, 5}};
-
-// A fill record's payload, or with the stroke sizes a frame record's.
-Bytes Fill(uint32_t brush, const Bytes& region, const Bytes& stroke = Bytes()) {
-    return Bytes().zeros(16).u32(region.size()).u32(brush).append(stroke).append(region);
-}
-Bytes Clip(uint32_t mode, const Bytes& region) {
-    return Bytes().u32(region.size()).u32(mode).append(region);
-}
-
-}  // namespace
 
 // Fill and frame rectangles are mapped, the stroke sizes not (vertical segments as wide as the
 // width, horizontal ones the height); without a brush entry there is no colour. Counts beyond
