@@ -149,7 +149,8 @@ fi
 cmake -S . -B "$build" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$repo/cmake/s390x-toolchain.cmake" \
     -DS390X_SYSROOT="$sysroot" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DSVGMODULE_FUZZ=OFF \
     -DSVGMODULE_BENCH=OFF >"$build.configure.log" 2>&1 || { cat "$build.configure.log"; exit 1; }
-cmake --build "$build" -j"$jobs" --target svgmodule metafile2svg unit_tests adversarial_tests thread_stress
+cmake --build "$build" -j"$jobs" --target svgmodule metafile2svg unit_tests adversarial_tests thread_stress \
+    c_host header_example
 built=$(date +%s)
 
 step "Unit tests under qemu-user"

@@ -12,6 +12,7 @@
 #include "faithful/DeviceSvg.h"
 #include "faithful/Faithful.h"
 #include "tests/MetafileBuilder.h"
+#include "tests/TestUtil.h"
 
 using namespace faithful;
 
@@ -392,10 +393,12 @@ TEST(FaithfulEmf, EndToEnd) {
     for (const auto& row : rows) {
         for (bool swapped : {false, true}) {
             SCOPED_TRACE(row.name);
-            SetByteOrderOverride(swapped, swapped);
             int status = 0;
-            const QString svg = Svg(row.file.build(true, swapped), &status);
-            SetByteOrderOverride(false, false);
+            QString svg;
+            {
+                testutil::ForceBigEndian order(swapped);
+                svg = Svg(row.file.build(true, swapped), &status);
+            }
             EXPECT_EQ(status, 1);
             for (const char* f : row.fragments) EXPECT_TRUE(svg.contains(f)) << svg.toStdString();
         }
