@@ -68,9 +68,7 @@ int Convert(const char* data, uint64_t size, const svgmodule_options* given, QBy
             faithful::DrawnOnlyInEmfPlus(reinterpret_cast<const unsigned char*>(data), size)) {
             if (options.notes) *options.notes |= SVGMODULE_NOTE_EMFPLUS_ONLY;
             if (faithfulMode)
-                LOG_WARN(
-                    "drawn from EMF+ records only: not drawn (only the drawing-system "
-                    "records are, and they draw nothing of it)");
+                LOG_WARN("drawn from EMF+ records only: not drawn (EMF+ records are skipped)");
         }
         QByteArray svg;
         const int status =
