@@ -134,8 +134,9 @@ typedef struct svgmodule_options {
     int mode;                     // SVGMODULE_MODE_*; default SVGMODULE_MODE_CONTRACT
     unsigned int repairs;         // SVGMODULE_REPAIR_* bits; default 0: the library's own bytes
     const char* diagnostic_name;  // NUL-terminated, or NULL (the default) for no prefix
-    // When not NULL, receives the SVGMODULE_NOTE_* bits that apply to the file (0 when none
-    // does, or when the options are refused), whatever the status. Default NULL.
+    // When not NULL, receives the SVGMODULE_NOTE_* bits that apply to the file, whatever the
+    // status: 0 when none does or the options are refused (except for their `size` field, which
+    // leaves every other field unread). Default NULL.
     unsigned int* notes;
 } svgmodule_options;
 
