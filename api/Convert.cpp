@@ -7,6 +7,7 @@
 
 #include "api/SVGTool.h"
 #include "api/Trace.h"
+#include "faithful/EmfPlusScan.h"
 #include "faithful/Faithful.h"
 #include "svg/SvgRepair.h"
 #include "svgmodule.h"
@@ -35,6 +36,7 @@ const char* ReadOptions(const svgmodule_options* given, svgmodule_options* optio
     ReadField(given, size, offsetof(svgmodule_options, mode), &options->mode);
     ReadField(given, size, offsetof(svgmodule_options, repairs), &options->repairs);
     ReadField(given, size, offsetof(svgmodule_options, diagnostic_name), &options->diagnostic_name);
+    ReadField(given, size, offsetof(svgmodule_options, notes), &options->notes);
     const char* bytes = reinterpret_cast<const char*>(given);
     if (std::any_of(bytes + std::min(size, sizeof *options), bytes + size,
                     [](char c) { return c != 0; }))
@@ -51,6 +53,7 @@ int Convert(const char* data, uint64_t size, const svgmodule_options* given, QBy
     svgmodule_options options;
     const char* refusal = ReadOptions(given, &options);
     const svgtrace::DiagnosticName name(options.diagnostic_name);
+    if (options.notes) *options.notes = 0;
     try {
         TRACE_ENTER();
         if (refusal) {
@@ -58,6 +61,15 @@ int Convert(const char* data, uint64_t size, const svgmodule_options* given, QBy
             TRACE_RETURN(0);
         }
         if (!data || size == 0) TRACE_RETURN(0);
+        // A drawing in EMF+ records only comes out blank: the host and the faithful mode's
+        // diagnostics are told (the contract mode's diagnostics stay as they are).
+        const bool faithfulMode = options.mode == SVGMODULE_MODE_FAITHFUL;
+        if ((faithfulMode || options.notes) &&
+            faithful::DrawnOnlyInEmfPlus(reinterpret_cast<const unsigned char*>(data), size)) {
+            if (options.notes) *options.notes |= SVGMODULE_NOTE_EMFPLUS_ONLY;
+            if (faithfulMode)
+                LOG_WARN("drawn from EMF+ records only: not drawn (EMF+ records are skipped)");
+        }
         QByteArray svg;
         const int status =
             options.mode == SVGMODULE_MODE_FAITHFUL

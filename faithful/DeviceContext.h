@@ -297,6 +297,17 @@ class DeviceContext {
     // (gdi::PATCOPY; PATINVERT drawn as PATCOPY; BLACKNESS, WHITENESS; DSTINVERT and the
     // others draw nothing). The brush is used as it is, without the binary raster operation.
     void PatBlt(const RectF& xywh, uint32_t rop);
+    // Gradient fills (DeviceContextGradient.cpp), drawn without pen, brush or raster operation.
+    // The rectangle of corners `a` and `b` (logical) blended from `ca` at a's x to `cb` at b's
+    // x, or along y when `vertical`: under any transform, colours stay constant along the
+    // images of logical verticals (horizontals).
+    void GradientRect(PointF a, Rgb ca, PointF b, Rgb cb, bool vertical);
+    // The triangle blended between its vertices' colours. SVG blends along one direction only:
+    // the triangle is drawn as a linear gradient between its two most different colours, the
+    // third vertex taking the nearest blend of them; when that is off by more than a few
+    // levels, the triangle is first cut at its edges' midpoints into 4 or 16 triangles (each
+    // then off by a half or a quarter), at most `maxPieces` in all.
+    void GradientTriangle(const PointF (&v)[3], const Rgb (&c)[3], size_t maxPieces);
 
     // --- path bracket ----------------------------------------------------------------------
     void BeginPath();  // discards an earlier path; drawing calls then add to the path

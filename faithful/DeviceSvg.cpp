@@ -165,6 +165,23 @@ int DeviceSvg::ImagePattern(const Fill& fill) {
     return id;
 }
 
+int DeviceSvg::GradientFor(const Fill& fill) {
+    // The gradient's element, less its id, is its key.
+    SvgBuffer g;
+    g.Write(" gradientUnits=\"userSpaceOnUse\" x1=\"", NumberText(fill.from.x), "\" y1=\"",
+            NumberText(fill.from.y), "\" x2=\"", NumberText(fill.to.x), "\" y2=\"");
+    g.Write(NumberText(fill.to.y), "\"><stop stop-color=\"", ColourText(fill.color),
+            "\"/><stop offset=\"1\" stop-color=\"", ColourText(fill.color2),
+            "\"/></linearGradient>");
+    const QByteArray key = g.Take();
+    const auto found = m_gradients.find(key);
+    if (found != m_gradients.end()) return found->second;
+    const int id = m_nextId++;
+    m_body.Write("<defs><linearGradient id=\"g", id, "\"", key, "</defs>\n");
+    m_gradients.emplace(key, id);
+    return id;
+}
+
 QByteArray DeviceSvg::StyleOf(const DrawOp& op) {
     SvgBuffer s;
     const Fill& f = op.fill;
@@ -172,6 +189,8 @@ QByteArray DeviceSvg::StyleOf(const DrawOp& op) {
         s.Write(" fill=\"", ColourText(f.color), "\"");
     } else if (f.kind == Fill::Kind::Hatch) {
         s.Write(" fill=\"url(#p", PatternFor(f), ")\"");
+    } else if (f.kind == Fill::Kind::LinearGradient) {
+        s.Write(" fill=\"url(#g", GradientFor(f), ")\"");
     } else if (f.kind == Fill::Kind::Image) {
         const int id = ImagePattern(f);
         if (id >= 0)

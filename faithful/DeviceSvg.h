@@ -3,8 +3,8 @@
 //
 // The document's root carries the presentation defaults of the drawing system (no fill, round
 // caps and joins), so each element writes only what differs from them. Consecutive elements
-// of one style share a group that carries it. Hatch and image fills become patterns, each
-// written once and referenced by every fill that uses it.
+// of one style share a group that carries it. Hatch and image fills become patterns and
+// gradient fills linear gradients, each written once and referenced by every fill that uses it.
 #ifndef SVGMODULE_FAITHFUL_DEVICESVG_H
 #define SVGMODULE_FAITHFUL_DEVICESVG_H
 
@@ -65,11 +65,14 @@ class DeviceSvg : public DrawSink {
     // encoding budget lasts; -1 once it is spent.
     int ImagePattern(const Fill& fill);
     void AppendPathData(const Path& path);
+    // The id of a linear gradient fill's gradient, written on first use.
+    int GradientFor(const Fill& fill);
 
     SvgBuffer m_body;
     bool m_groupOpen = false;
     QByteArray m_group;  // the open group's style
     std::map<QByteArray, int> m_patterns;
+    std::map<QByteArray, int> m_gradients;
     // Image fills by tile, colours (monochrome tiles), origin and pixel size (hundredths); the
     // tiles are kept alive so that no other image takes their address.
     std::map<std::tuple<const QImage*, int64_t, int64_t, int64_t, int64_t>, int> m_imagePatterns;

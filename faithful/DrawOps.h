@@ -23,7 +23,7 @@ inline Rgb RgbFromColorRef(uint32_t c) {
 enum class FillRule : uint8_t { NonZero, EvenOdd };
 
 struct Fill {
-    enum class Kind : uint8_t { None, Solid, Hatch, Image };
+    enum class Kind : uint8_t { None, Solid, Hatch, Image, LinearGradient };
     Kind kind = Kind::None;
     Rgb color = 0;  // Solid: the colour; Hatch: the lines' colour
     // Hatch: the style (0 horizontal, 1 vertical, 2 forward diagonal "\", 3 backward
@@ -42,6 +42,10 @@ struct Fill {
     PointF origin;
     double pixel = 1;
     FillRule rule = FillRule::NonZero;
+    // LinearGradient: `color` at `from`, `color2` at `to` (device units), blended along the
+    // line through them and padded beyond its ends.
+    PointF from, to;
+    Rgb color2 = 0;
 };
 
 struct Stroke {

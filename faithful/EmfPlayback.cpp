@@ -192,6 +192,7 @@ const EmfPlayer::Entry* EmfPlayer::EntryFor(uint32_t type) {
         {emr::CREATEDIBPATTERNBRUSHPT, &P::OnCreatePatternBrush, 32},
         {emr::EXTCREATEPEN, &P::OnExtCreatePen, sizeof(tagEMREXTCREATEPEN)},
         {emr::CREATECOLORSPACE, &P::OnCreateOther, 12},
+        {emr::GRADIENTFILL, &P::OnGradientFill, 36},
         {emr::CREATECOLORSPACEW, &P::OnCreateOther, 12},
     };
     static const std::array<Entry, 128> table = [] {

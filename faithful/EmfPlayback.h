@@ -92,6 +92,9 @@ class EmfPlayer {
     // Text (EmfPlaybackText.cpp): the opaque rectangle only, so far.
     void OnExtTextOut(unsigned char* r, uint32_t size);
 
+    // Gradient fills (EmfPlaybackGradient.cpp).
+    void OnGradientFill(unsigned char* r, uint32_t size);
+
     // Path brackets (EmfPlaybackPaths.cpp).
     void OnPathRecord(unsigned char* r, uint32_t size);
 
@@ -187,6 +190,7 @@ enum : uint32_t {
     CREATEDIBPATTERNBRUSHPT = 94,
     EXTCREATEPEN = 95,
     CREATECOLORSPACE = 99,
+    GRADIENTFILL = 118,
     CREATECOLORSPACEW = 122,
 };
 }  // namespace emr

@@ -21,6 +21,8 @@
 //   - a diagnostic name: while the call runs, every diagnostic line the library writes on its
 //     thread starts with that name and ": ", so that lines of conversions running at once on
 //     several threads can be told apart.
+//   - notes: facts about the file that the status does not tell, such as a drawing made only of
+//     EMF+ records (SVGMODULE_NOTE_* bits), for the host to read without parsing diagnostics.
 //
 // Threads: any number of threads may convert at once, with the record log on or off; calls share
 // no drawing state. Each record-log line (a record name, or a whole start or end banner) is
@@ -112,6 +114,16 @@ enum {
     SVGMODULE_REPAIR_ALL = (1u << 3) - 1
 };
 
+// The notes (bits of *svgmodule_options.notes).
+enum {
+    // The file is an EMF whose drawing is in EMF+ records only: it holds EMF+ records (comment
+    // records whose data starts with "EMF+") and its EMF+ header's dual flag is clear, or none
+    // of its drawing-system records draws. Neither mode draws EMF+ records: the document holds
+    // what the drawing-system records draw, which for such a file is usually nothing. The
+    // faithful mode also writes a warning line saying so.
+    SVGMODULE_NOTE_EMFPLUS_ONLY = 1u << 0
+};
+
 // The options of one conversion. Versioned by its size: a host sets `size` to the size of the
 // structure it was built with (SVGMODULE_OPTIONS_INIT does), and fields are only ever added at
 // the end, so a host built against an older header keeps working with a newer library, which
@@ -122,11 +134,15 @@ typedef struct svgmodule_options {
     int mode;                     // SVGMODULE_MODE_*; default SVGMODULE_MODE_CONTRACT
     unsigned int repairs;         // SVGMODULE_REPAIR_* bits; default 0: the library's own bytes
     const char* diagnostic_name;  // NUL-terminated, or NULL (the default) for no prefix
+    // When not NULL, receives the SVGMODULE_NOTE_* bits that apply to the file, whatever the
+    // status: 0 when none does or the options are refused (except for their `size` field, which
+    // leaves every other field unread). Default NULL.
+    unsigned int* notes;
 } svgmodule_options;
 
 // The defaults, as an initializer: svgmodule_options options = SVGMODULE_OPTIONS_INIT;
 #define SVGMODULE_OPTIONS_INIT \
-    { sizeof(svgmodule_options), SVGMODULE_MODE_CONTRACT, 0u, NULL }
+    { sizeof(svgmodule_options), SVGMODULE_MODE_CONTRACT, 0u, NULL, NULL }
 
 // Converts the metafile of `size` bytes at `data` (EMF or WMF, detected from its header) as
 // `options` says (NULL: the defaults) and returns one of the status codes above. On 1 or 2,

@@ -5,6 +5,7 @@
 #       converts every *.emf / *.wmf under the corpus with BUILD_DIR/metafile2svg into DIR,
 #       mirroring the corpus tree: NAME.svg (when the converter wrote one) and NAME.status
 #       (exit status and any message, since refused files write no SVG). DIR must be new or empty.
+#       The contract mode (--contract) unless MODE names another (MODE=--faithful).
 #   scripts/corpus_compare.sh diff DIR_A DIR_B
 #       lists the files whose SVG or status differs, prints "N files, M identical, K differ"
 #       and exits 1 when any differs.
@@ -20,7 +21,7 @@
 set -uo pipefail
 
 usage() {
-    sed -n '2,11p' "$0" | sed 's/^# \{0,1\}//' >&2
+    sed -n '2,12p' "$0" | sed 's/^# \{0,1\}//' >&2
     exit 2
 }
 
@@ -51,9 +52,10 @@ save() {
     # default has --exact to leave them alone.
     local exact=""
     "$bin" --help 2>/dev/null | grep -q -- "--exact" && exact=--exact
-    # MODE (--contract or --faithful) chooses the mode; by default the command line's.
+    # MODE (--contract or --faithful) chooses the mode: --contract when unset, the command
+    # line's default when set empty (MODE= for a build older than --contract).
     export BIN=$bin CORPUS_ROOT=$corpus OUT_ROOT=$out LIMIT=$limit LIBLOGGING_LEVEL=OFF
-    export EXACT="$exact${MODE:+ $MODE}"
+    export EXACT="$exact ${MODE---contract}"
     # One conversion per input: NAME.svg and NAME.status under OUT_ROOT.
     # shellcheck disable=SC2016
     find "$corpus" -type f \( -iname '*.emf' -o -iname '*.wmf' \) -print0 | sort -z |

@@ -115,6 +115,13 @@ bool Write(const QString& path, const QByteArray& bytes) {
     return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
+// An EMF whose only drawing would be EMF+ records: an EMF+ header comment, dual flag clear.
+QByteArray EmfPlusOnly() {
+    return mfb::Emf()
+        .record(70, mfb::U32s({32, 0x2B464D45, 0x4001, 28, 16, 0xDBC01002, 0, 96, 96}))
+        .build();
+}
+
 class CommandLine : public ::testing::Test {
   protected:
     void SetUp() override {
@@ -145,6 +152,8 @@ TEST_F(CommandLine, MessagesAndSingleFile) {
     const int faithfulExit = faithful.isEmpty() ? 1 : 0;
     const QString none = In(QStringLiteral("none.emf")), cut = In(QStringLiteral("cut.emf"));
     ASSERT_TRUE(Write(cut, Read(a).left(1000)));
+    const QString plus = In(QStringLiteral("plus.emf"));
+    ASSERT_TRUE(Write(plus, EmfPlusOnly()));
     const QString help = QStringLiteral("; try 'metafile2svg --help'\n");
     const struct {
         QStringList args;
@@ -169,16 +178,17 @@ TEST_F(CommandLine, MessagesAndSingleFile) {
         {{"-o", w + "/a.svg", a}, 1, "", "cannot write " + w + "/a.svg: Not a directory\n"},
         {{"-O", w + "/o", In("")}, 1, "", "cannot write " + w + "/o: Not a directory\n"},
         {{"-o", m_dir.path(), a}, 1, "", "cannot write " + m_dir.path() + ": Is a directory\n"},
-        {{a}, 0, QString::fromUtf8(RepairSvg(exact)), ""},
-        {{"--exact", a}, 0, QString::fromUtf8(exact), ""},
+        {{a}, faithfulExit, QString::fromUtf8(faithful), ""},  // the faithful mode by default
+        {{"--exact", a}, faithfulExit, QString::fromUtf8(faithfulExact), ""},
         {{"--contract", a}, 0, QString::fromUtf8(RepairSvg(exact)), ""},
         {{"--exact", "--contract", a}, 0, QString::fromUtf8(exact), ""},
         {{"--faithful", a}, faithfulExit, QString::fromUtf8(faithful), ""},
         {{"--faithful", "--exact", a}, faithfulExit, QString::fromUtf8(faithfulExact), ""},
         {{"--contract", "--faithful", a}, 2, "", "--contract and --faithful exclude each other"},
         // The library's diagnostics name the input.
-        {{"cut.emf"}, 1, "", "WARN cut.emf: SVGTool\t"},
-        {{"--exact", "-", "-o", "-"}, 0, QString::fromUtf8(exact), "", Read(a)},
+        {{"--contract", "cut.emf"}, 1, "", "WARN cut.emf: SVGTool\t"},
+        {{plus}, 0, "", "drawn from EMF+ records only: not drawn"},
+        {{"--contract", "--exact", "-", "-o", "-"}, 0, QString::fromUtf8(exact), "", Read(a)},
         {{"-"}, 1, "", "standard input: not an EMF or WMF file (status 0)\n", "text"},
     };
     for (const auto& c : cases) {
@@ -191,7 +201,7 @@ TEST_F(CommandLine, MessagesAndSingleFile) {
             << run.err.toStdString();
     }
     EXPECT_NE(exact.indexOf("<svg width"), -1);
-    EXPECT_EQ(Cli({"-o", m_dir.filePath("one/a.svg"), a}).exitCode, 0);
+    EXPECT_EQ(Cli({"--contract", "-o", m_dir.filePath("one/a.svg"), a}).exitCode, 0);
     EXPECT_EQ(Read(m_dir.filePath("one/a.svg")), RepairSvg(exact));
 }
 
@@ -213,7 +223,8 @@ TEST_F(CommandLine, FoldersNamesSummaryAndGallery) {
          1,
          {"a.emf.svg", "a.wmf.svg", "sub/b.svg"},
          "4 files in %1 s: 3 converted\n  1 refused with status -3: not an EMF or WMF file"},
-        {{"-O", out, In("a.emf"), In("sub/b.WMF"), In("none.wmf"), "--record-log", "log.txt"},
+        {{"-O", out, In("a.emf"), In("sub/b.WMF"), In("none.wmf"), "--record-log", "log.txt",
+          "--contract"},
          1,
          {"a.svg", "b.svg"},
          "3 files in %1 s: 2 converted\n  1 could not be read"},
@@ -250,14 +261,21 @@ TEST_F(CommandLine, FoldersNamesSummaryAndGallery) {
     EXPECT_TRUE(
         linked.contains("<b>sub/junk.emf</b><br>40 B<br><span class=\"status\">refused, "
                         "status -3"));
-    // A drawing of nothing is marked empty.
-    const QString empty = m_dir.filePath(QStringLiteral("empty.emf"));
-    ASSERT_TRUE(Write(empty, mfb::Emf().build()));
-    EXPECT_EQ(Cli({"--gallery", page, In("a.emf"), empty}).exitCode, 0);
+    // A drawing of nothing is marked empty, one of EMF+ records only apart; both modes side by
+    // side.
+    const QString empty = m_dir.filePath(QStringLiteral("empty.emf")),
+                  plus = m_dir.filePath(QStringLiteral("plus.emf"));
+    ASSERT_TRUE(Write(empty, mfb::Emf().build()) && Write(plus, EmfPlusOnly()));
+    const CliRun both = Cli({"--gallery", page, "--both-modes", In("a.emf"), empty, plus});
+    EXPECT_EQ(both.exitCode, 0);
+    EXPECT_TRUE(both.err.contains("3 converted\n  1 drawn from EMF+ records only: not drawn\n"));
     const QByteArray embedded = Read(page);
     const QByteArray svg = RepairSvg(testutil::Convert(Read(In("a.emf"))).svg.toUtf8());
-    EXPECT_TRUE(embedded.contains("src=\"data:image/svg+xml;base64," + svg.toBase64()));
-    EXPECT_EQ(embedded.count("<figure class=\"empty\">"), 1);
+    for (const QByteArray& drawing : {svg, Faithful(In("a.emf"), false)})
+        EXPECT_TRUE(embedded.contains("src=\"data:image/svg+xml;base64," + drawing.toBase64()));
+    EXPECT_EQ(embedded.count("<figure class=\"empty both\">"), 1);
+    EXPECT_EQ(embedded.count("<figure class=\"emfplus both\">"), 1);
+    EXPECT_EQ(Cli({"--both-modes", "-O", out, plus}).exitCode, 2);
 }
 
 }  // namespace

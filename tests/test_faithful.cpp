@@ -55,6 +55,16 @@ mfb::Emf Records(std::initializer_list<Record> records, mfb::Emf start = mfb::Em
     return start;
 }
 
+// An EMR_GRADIENTFILL payload: counts, mode, vertices (x, y, red, green, blue), indices.
+mfb::Bytes Gradient(std::vector<uint32_t> counts, std::vector<std::vector<int>> vertices,
+                    std::vector<uint32_t> indices) {
+    mfb::Bytes b = mfb::Bytes().zeros(16).u32(counts[0]).u32(counts[1]).u32(counts[2]);
+    for (const auto& v : vertices) b.i32(v[0]).i32(v[1]).u16(v[2]).u16(v[3]).u16(v[4]).u16(0);
+    for (uint32_t i : indices) b.u32(i);
+    return b;
+}
+const int kGradientFill = 118;
+
 }  // namespace
 
 // Logical to device through every map mode, the window and viewport records, each world
@@ -386,6 +396,24 @@ TEST(FaithfulEmf, EndToEnd) {
          {"xmlns:xlink=",
           "<image image-rendering=\"optimizeSpeed\" width=\"8\" height=\"8\" "
           "xlink:href=\"data:image/png;base64,"}},
+        {"gradient rectangles, across and down",
+         Records(
+             {R(kGradientFill, Gradient({2, 2, 1}, {{0, 0, 0xFF00, 0, 0}, {100, 50, 0, 0, 0xFFFF}},
+                                        {0, 1, 1, 0}))},
+             halved),
+         {"<linearGradient id=\"g1\" gradientUnits=\"userSpaceOnUse\" x1=\"0\" y1=\"0\" "
+          "x2=\"0\" y2=\"25\"><stop stop-color=\"#f00\"/><stop offset=\"1\" "
+          "stop-color=\"#00f\"/>",
+          "x1=\"50\" y1=\"25\" x2=\"50\" y2=\"0\"><stop stop-color=\"#00f\"/>",
+          "<g fill=\"url(#g1)\">\n<path d=\"M0 0H50V25H0Z\"/>"}},
+        {"gradient triangle of two colours",
+         Emf().record(kGradientFill,
+                      Gradient({3, 1, 2},
+                               {{0, 0, 0xFF00, 0, 0}, {10, 0, 0xFF00, 0, 0}, {0, 10, 0, 0xFF00, 0}},
+                               {0, 1, 2})),
+         {"x1=\"10\" y1=\"0\" x2=\"10\" y2=\"10\"><stop stop-color=\"#f00\"/><stop offset=\"1\" "
+          "stop-color=\"#0f0\"/>",
+          "<path d=\"M0 0H10L0 10Z\"/>"}},
         {"null pen dashes nothing",
          Records({R(EMR_CREATEPEN, U32s({1, 5, 0, 0, 0})), select, R(EMR_LINETO, I32s({10, 10}))}),
          {"\"round\">\n</svg>\n"}},
@@ -455,6 +483,20 @@ TEST(FaithfulEmf, HostileRecords) {
          Records(
              {R(94, U32s({1, 0, 999, 40, 9999, 4})), select, R(EMR_RECTANGLE, I32s({0, 0, 9, 9}))}),
          1},
+        {"gradient of three colours: 16 pieces",
+         Emf().record(kGradientFill,
+                      Gradient({3, 1, 2},
+                               {{0, 0, 0xFF00, 0, 0}, {90, 0, 0, 0xFF00, 0}, {0, 90, 0, 0, 0xFF00}},
+                               {0, 1, 2})),
+         16},
+        {"gradient vertices past the record",
+         Emf().record(kGradientFill,
+                      Gradient({99, 1, 0}, {{0, 0, 0, 0, 0}, {9, 9, 0, 0, 0}}, {0, 1})),
+         0},
+        {"gradient objects past the record, indices past the vertices",
+         Emf().record(kGradientFill,
+                      Gradient({2, 9, 1}, {{0, 0, 0, 0, 0}, {9, 9, 0, 0, 0}}, {0, 2, 1, 0, 0, 1})),
+         2},
         {"record shorter than its header",
          Records({line}, Emf().recordWithSize(EMR_LINETO, 4, I32s({5, 5}))), 0},
     };

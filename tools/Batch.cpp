@@ -103,7 +103,17 @@ JobResult ConvertFile(const QString& input, const BatchOptions& options) {
     convert.mode = options.mode;
     convert.repairs = options.exact ? 0 : SVGMODULE_REPAIR_ALL;
     convert.diagnostic_name = name.constData();
+    unsigned int notes = 0;
+    convert.notes = &notes;
     result.status = svgmodule_convert(bytes, result.svg, &convert);
+    result.emfPlusOnly = notes & SVGMODULE_NOTE_EMFPLUS_ONLY;
+    if (options.bothModes && (result.status == 1 || result.status == 2)) {
+        convert.mode = options.mode == SVGMODULE_MODE_FAITHFUL ? SVGMODULE_MODE_CONTRACT
+                                                               : SVGMODULE_MODE_FAITHFUL;
+        convert.diagnostic_name = nullptr;  // the file's diagnostics are told once
+        convert.notes = nullptr;
+        svgmodule_convert(bytes, result.otherSvg, &convert);
+    }
     if (result.status != 1 && result.status != 2) {
         result.outcome = JobResult::Refused;
         result.svg.clear();
@@ -322,10 +332,11 @@ std::string FailureMessage(const Job& job, const JobResult& result) {
 }
 
 std::string Summary(const std::vector<JobResult>& results, double seconds) {
-    size_t converted = 0, missing = 0, unwritten = 0;
+    size_t converted = 0, missing = 0, unwritten = 0, emfPlusOnly = 0;
     std::map<std::pair<int, std::string>, size_t> refused;
     for (const JobResult& r : results) {
         if (r.outcome == JobResult::Converted) ++converted;
+        if (r.outcome == JobResult::Converted && r.emfPlusOnly) ++emfPlusOnly;
         if (r.outcome == JobResult::Refused) ++refused[{r.status, r.reason}];
         if (r.outcome == JobResult::Missing) ++missing;
         if (r.outcome == JobResult::NotWritten) ++unwritten;
@@ -334,6 +345,8 @@ std::string Summary(const std::vector<JobResult>& results, double seconds) {
     std::snprintf(head, sizeof head, "%zu file%s in %.1f s: %zu converted", results.size(),
                   results.size() == 1 ? "" : "s", seconds, converted);
     std::string text = head;
+    if (emfPlusOnly)
+        text += "\n  " + std::to_string(emfPlusOnly) + " drawn from EMF+ records only: not drawn";
     for (auto it = refused.rbegin(); it != refused.rend(); ++it)
         text += "\n  " + std::to_string(it->second) + " refused with status " +
                 std::to_string(it->first.first) + ": " + it->first.second;

@@ -30,10 +30,12 @@ struct JobResult {
     std::string reason;
     // ... and this file's particulars, if any (a truncated file's sizes).
     std::string detail;
-    bool empty = false;  // converted, but nothing is drawn (BatchOptions::findEmpty)
+    bool empty = false;        // converted, but nothing is drawn (BatchOptions::findEmpty)
+    bool emfPlusOnly = false;  // an EMF drawn in EMF+ records only (SVGMODULE_NOTE_EMFPLUS_ONLY)
     qint64 inputSize = 0;
     qint64 svgSize = 0;
-    QByteArray svg;  // kept only when asked for
+    QByteArray svg;       // kept only when asked for
+    QByteArray otherSvg;  // BatchOptions::bothModes: the document of the other mode
 };
 
 struct BatchOptions {
@@ -42,6 +44,7 @@ struct BatchOptions {
     bool exact = false;                  // write the library's bytes unchanged
     bool keepSvg = false;                // keep each document in its result
     bool findEmpty = false;              // tell the documents that draw nothing
+    bool bothModes = false;              // also convert in the other mode, into otherSvg
 };
 
 // What a library status means, in a few words.
@@ -84,7 +87,8 @@ std::vector<JobResult> RunJobs(const std::vector<Job>& jobs, const BatchOptions&
 // The message for a file that did not convert (empty when it did).
 std::string FailureMessage(const Job& job, const JobResult& result);
 
-// The closing summary: files, time, converted, and the others counted by reason.
+// The closing summary: files, time, converted (those drawn in EMF+ records only counted apart),
+// and the others counted by reason.
 std::string Summary(const std::vector<JobResult>& results, double seconds);
 
 #endif

@@ -14,6 +14,10 @@ main { display: grid; grid-template-columns: repeat(auto-fill, minmax(260px, 1fr
 figure { margin: 0; padding: 8px; background: #fff; border: 2px solid #ccc; }
 figure.broken { border-color: #c00; }
 figure.empty { border-color: #e90; }
+figure.emfplus { border-color: #90c; }
+figure.both { grid-column: span 2; }
+.both .pair { display: grid; grid-template-columns: 1fr 1fr; gap: 6px; }
+.pair small { display: block; text-align: center; color: #555; }
 figure.refused { background: #f6f6f6; }
 .view, #large { display: flex; align-items: center; justify-content: center;
         background: repeating-conic-gradient(#f4f4f4 0 25%, #fff 0 50%) 0 0 / 16px 16px; }
@@ -26,15 +30,19 @@ a.view { cursor: zoom-in; }
 figcaption { margin-top: 6px; overflow-wrap: anywhere; }
 figure.broken figcaption::after { content: " \2014 does not display"; color: #c00; }
 figure.empty figcaption::after { content: " \2014 empty: nothing is drawn"; color: #c60; }
+figure.emfplus figcaption::after {
+  content: " \2014 drawn from EMF+ records only: not drawn"; color: #90c; }
 .status { color: #555; }
 </style>
 <script>
 function settled(img, shown) {
   var figure = img.closest('figure');
-  if (!figure.classList.contains('empty')) figure.classList.add(shown ? 'shown' : 'broken');
+  var marked = figure.classList.contains('empty') || figure.classList.contains('emfplus');
+  if (!marked) figure.classList.add(shown ? 'shown' : 'broken');
   var n = function (s) { return document.querySelectorAll('figure.' + s).length; };
   document.getElementById('tally').textContent = n('shown') + ' displayed, ' + n('empty') +
-      ' empty, ' + n('broken') + ' failed to display';
+      ' empty, ' + n('emfplus') + ' drawn from EMF+ records only, ' + n('broken') +
+      ' failed to display';
 }
 // A click on a drawing shows it as large as the window; a click or Escape closes it.
 function enlarge(link) {
@@ -65,19 +73,34 @@ QString ImageSource(const QDir& pageDir, const Job& job, const JobResult& result
     return QLatin1String("data:image/svg+xml;base64,") + QString::fromLatin1(result.svg.toBase64());
 }
 
-QString Card(const QDir& pageDir, const Job& job, const JobResult& result) {
+// A drawing shown from `source`, enlarged on a click; linked to `href`.
+QString View(const QString& source, const QString& href) {
+    return QLatin1String("<a class=\"view\" onclick=\"return enlarge(this)\" href=\"") + href +
+           QLatin1String(
+               "\"><img alt=\"\" onload=\"settled(this, true)\" "
+               "onerror=\"settled(this, false)\" src=\"") +
+           source + QLatin1String("\"></a>");
+}
+
+QString Card(const QDir& pageDir, const Job& job, const JobResult& result, int mode) {
     QString view = QLatin1String("<div class=\"view\">"), sizes = Size(result.inputSize), status;
     const QString reason = QString::fromLocal8Bit(result.reason.c_str());
     switch (result.outcome) {
         case JobResult::Converted: {
             // Linked to the file when there is one (the full-size drawing in a tab of its own).
             const QString source = ImageSource(pageDir, job, result);
-            view = QLatin1String("<a class=\"view\" onclick=\"return enlarge(this)\" href=\"") +
-                   (job.output.isEmpty() ? QStringLiteral("#") : source) +
-                   QLatin1String(
-                       "\"><img alt=\"\" onload=\"settled(this, true)\" "
-                       "onerror=\"settled(this, false)\" src=\"") +
-                   source + QLatin1String("\"></a>");
+            view = View(source, job.output.isEmpty() ? QStringLiteral("#") : source);
+            if (!result.otherSvg.isEmpty()) {  // beside the drawing of the other mode
+                const bool faithful = mode == SVGMODULE_MODE_FAITHFUL;
+                view = QLatin1String("<div class=\"pair\"><div>") + view +
+                       QLatin1String(faithful ? "<small>faithful</small></div><div>"
+                                              : "<small>contract</small></div><div>") +
+                       View(QLatin1String("data:image/svg+xml;base64,") +
+                                QString::fromLatin1(result.otherSvg.toBase64()),
+                            QStringLiteral("#")) +
+                       QLatin1String(faithful ? "<small>contract</small></div></div>"
+                                              : "<small>faithful</small></div></div>");
+            }
             sizes += QString::fromUtf8(" \u2192 ") + Size(result.svgSize) + QLatin1String(" SVG");
             status = QString::fromLatin1(StatusMeaning(result.status));
             break;
@@ -95,9 +118,14 @@ QString Card(const QDir& pageDir, const Job& job, const JobResult& result) {
     }
     const bool converted = result.outcome == JobResult::Converted;
     if (!converted) view += QLatin1String("</div>");
-    return QLatin1String(!converted     ? "<figure class=\"refused\">"
-                         : result.empty ? "<figure class=\"empty\">"
-                                        : "<figure>") +
+    QString classes = QLatin1String(!converted           ? "refused"
+                                    : result.emfPlusOnly ? "emfplus"
+                                    : result.empty       ? "empty"
+                                                         : "");
+    if (converted && !result.otherSvg.isEmpty()) classes += QLatin1String(" both");
+    return (classes.isEmpty()
+                ? QStringLiteral("<figure>")
+                : QLatin1String("<figure class=\"") + classes.trimmed() + QLatin1String("\">")) +
            view + QLatin1String("<figcaption><b>") + job.name.toHtmlEscaped() +
            QLatin1String("</b><br>") + sizes + QLatin1String("<br><span class=\"status\">") +
            status.toHtmlEscaped() + QLatin1String("</span></figcaption></figure>\n");
@@ -107,14 +135,14 @@ QString Card(const QDir& pageDir, const Job& job, const JobResult& result) {
 
 bool WriteGallery(const QString& page, const std::vector<Job>& jobs,
                   const std::vector<JobResult>& results, const std::string& summary,
-                  std::string* error) {
+                  std::string* error, int mode) {
     const QDir pageDir = QFileInfo(page).absoluteDir();
     QString html = QLatin1String(kHead);
     html += QLatin1String("<h1>metafile2svg</h1>\n<pre>") +
             QString::fromLocal8Bit(summary.c_str()).toHtmlEscaped() +
             QLatin1String("</pre>\n<p id=\"tally\"></p>\n<main>\n");
     for (size_t i = 0; i < jobs.size() && i < results.size(); ++i)
-        html += Card(pageDir, jobs[i], results[i]);
+        html += Card(pageDir, jobs[i], results[i], mode);
     html += QLatin1String("</main>\n</body></html>\n");
     return WriteFile(page, html.toUtf8(), error);
 }

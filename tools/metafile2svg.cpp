@@ -20,9 +20,10 @@ const char kDescription[] =
     "with -o; several inputs and folders are converted in parallel into DIR with -O.";
 
 const char kEpilogue[] =
-    "\n--contract (the default) writes the library's stable output, the same in every release;\n"
-    "--faithful draws what the system that recorded the file would have drawn (in\n"
-    "development).\n"
+    "\n--faithful (the default) draws what the system that recorded the file would have drawn\n"
+    "(in development); --contract writes the library's stable output, the same in every\n"
+    "release. Neither draws EMF+ records: a file drawn in them only is counted apart in the\n"
+    "summary and marked in the gallery.\n"
     "\n"
     "By default the documents are adjusted to open in every SVG client: the root element\n"
     "declares the xlink namespace, an element that carries an attribute twice keeps only\n"
@@ -37,9 +38,9 @@ const int kMaxJobs = 256;
 struct Options {
     QStringList inputs;
     QString output, outputDir, gallery, recordLog;
-    bool recursive = false, exact = false, haveRecordLog = false;
+    bool recursive = false, exact = false, haveRecordLog = false, bothModes = false;
     int jobs = 1;
-    int mode = SVGMODULE_MODE_CONTRACT;
+    int mode = SVGMODULE_MODE_FAITHFUL;
 };
 
 int UsageError(const QCommandLineParser&, QString message) {
@@ -95,6 +96,7 @@ int ConvertMany(const QCommandLineParser& parser, const Options& options) {
     batch.exact = options.exact;
     batch.keepSvg = !options.gallery.isEmpty() && options.outputDir.isEmpty();
     batch.findEmpty = !options.gallery.isEmpty();
+    batch.bothModes = options.bothModes;
     Console console(true);
     const std::vector<JobResult> results = RunJobs(jobs, batch, console);
     console.Finish();
@@ -105,7 +107,7 @@ int ConvertMany(const QCommandLineParser& parser, const Options& options) {
     if (!options.gallery.isEmpty()) {
         const QByteArray page = options.gallery.toLocal8Bit();
         std::string error;
-        if (WriteGallery(options.gallery, jobs, results, summary, &error)) {
+        if (WriteGallery(options.gallery, jobs, results, summary, &error, options.mode)) {
             std::fprintf(stderr, "metafile2svg: gallery written to %s\n", page.constData());
         } else {
             std::fprintf(stderr, "metafile2svg: cannot write %s: %s\n", page.constData(),
@@ -139,21 +141,24 @@ int Run(int argc, char** argv) {
     const QCommandLineOption exact("exact", "Write the library's bytes unchanged.");
     const QCommandLineOption contract("contract",
                                       "Convert in the contract mode: the library's stable "
-                                      "output (the default).");
+                                      "output.");
     const QCommandLineOption faithful("faithful",
                                       "Convert in the faithful mode: what the recording system "
-                                      "would have drawn (in development).");
+                                      "would have drawn (the default; in development).");
     const QCommandLineOption gallery("gallery",
                                      "Also write an HTML page showing every drawing with its "
                                      "file name, size and status.",
                                      "PAGE");
+    const QCommandLineOption bothModes("both-modes",
+                                       "Show each drawing in the gallery beside the drawing of "
+                                       "the other mode.");
     const QCommandLineOption recordLog("record-log",
                                        "Append the names of records without a handler to FILE "
                                        "(an empty FILE names the log after today's date); "
                                        "files are then converted one at a time.",
                                        "FILE");
     parser.addOptions({help, version, output, outputDir, recursive, jobs, exact, contract, faithful,
-                       gallery, recordLog});
+                       gallery, bothModes, recordLog});
     if (!parser.parse(QCoreApplication::arguments())) return UsageError(parser, parser.errorText());
     if (parser.isSet(help)) {
         std::printf("%s%s", parser.helpText().toLocal8Bit().constData(), kEpilogue);
@@ -173,7 +178,8 @@ int Run(int argc, char** argv) {
     o.exact = parser.isSet(exact);
     if (parser.isSet(contract) && parser.isSet(faithful))
         return UsageError(parser, QStringLiteral("--contract and --faithful exclude each other"));
-    if (parser.isSet(faithful)) o.mode = SVGMODULE_MODE_FAITHFUL;
+    if (parser.isSet(contract)) o.mode = SVGMODULE_MODE_CONTRACT;
+    o.bothModes = parser.isSet(bothModes);
     o.haveRecordLog = parser.isSet(recordLog);
     o.recordLog = parser.value(recordLog);
     o.jobs = (int)std::max(1u, std::thread::hardware_concurrency());
@@ -193,6 +199,8 @@ int Run(int argc, char** argv) {
         return UsageError(parser, QStringLiteral("-O needs a folder name"));
     if (parser.isSet(gallery) && o.gallery.isEmpty())
         return UsageError(parser, QStringLiteral("--gallery needs a file name"));
+    if (o.bothModes && !parser.isSet(gallery))
+        return UsageError(parser, QStringLiteral("--both-modes needs --gallery"));
     const bool many = parser.isSet(outputDir) || parser.isSet(gallery) || o.inputs.size() > 1 ||
                       QFileInfo(o.inputs.first()).isDir();
     if (many && parser.isSet(output))
