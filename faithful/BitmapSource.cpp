@@ -20,7 +20,7 @@ const uint32_t kLargestHeader = 124;
 // two bytes draws at most 255, a delta of four skips at most 255 rows) ...
 const uint64_t kRlePixelsPerByte = 256;
 // ... nor more than this many in all.
-const uint64_t kMostPixels = (uint64_t)1 << 28;
+const uint64_t kMostPixels = (uint64_t)1 << 24;
 
 uint32_t Le32(const unsigned char* p) {
     return (uint32_t)p[0] | (uint32_t)p[1] << 8 | (uint32_t)p[2] << 16 | (uint32_t)p[3] << 24;

@@ -396,7 +396,7 @@ class DeviceContext {
     Path m_path;
     // Bit blocks waiting for the next one on their destination (DeviceContextBitmap.cpp).
     struct PendingBlt {
-        std::shared_ptr<const QImage> image;  // ARGB32, cropped
+        std::shared_ptr<const QImage> image;  // cropped
         Matrix toDevice;                      // from its pixels to device units
         uint32_t rop = 0;
         Rgb pattern = 0;

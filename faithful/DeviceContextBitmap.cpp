@@ -85,14 +85,16 @@ bool SameDestination(const QImage& a, const Matrix& ma, const QImage& image, con
     return true;
 }
 
-// The source's pixels in the rectangle [x0, x1) x [y0, y1) as 32-bit colours with alpha; a
-// monochrome source takes the text and background colours.
-QImage SourcePixels(const BitmapBlt& blt, int x0, int y0, int x1, int y1, Rgb text, Rgb back) {
+// The source's pixels in the rectangle [x0, x1) x [y0, y1); a monochrome source takes the text
+// and background colours. As 32-bit colours with alpha when `argb`; otherwise in the source's
+// format (a copy keeps the size of the bitmap, at most).
+QImage SourcePixels(const BitmapBlt& blt, int x0, int y0, int x1, int y1, Rgb text, Rgb back,
+                    bool argb) {
     QImage part = blt.bitmap->copy(x0, y0, x1 - x0, y1 - y0);
     if (part.isNull()) return part;
     if (blt.monochrome && part.format() == QImage::Format_Mono)
         part.setColorTable({0xFF000000u | text, 0xFF000000u | back});
-    return part.convertToFormat(QImage::Format_ARGB32);
+    return argb ? part.convertToFormat(QImage::Format_ARGB32) : part;
 }
 
 // Pixels of `mask` (1-bit) at (x, y), 0 outside it.
@@ -153,7 +155,8 @@ void DeviceContext::DrawBitmap(const BitmapBlt& blt) {
     if (!(right > left && bottom > top)) return;
     const int x0 = (int)left, y0 = (int)top, x1 = (int)right, y1 = (int)bottom;
     const Rgb text = RgbFromColorRef(m_state.textColor), back = RgbFromColorRef(m_state.bkColor);
-    QImage pixels = SourcePixels(blt, x0, y0, x1, y1, text, back);
+    const bool copy = ropBlend && !blt.mask && blt.rop == kSrcCopy;
+    QImage pixels = SourcePixels(blt, x0, y0, x1, y1, text, back, !copy);
     if (pixels.isNull()) return;
     const Matrix partToDevice = Matrix::Translate(x0, y0).Then(toDevice);
     if (!Finite(partToDevice)) return;
@@ -204,11 +207,12 @@ void DeviceContext::DrawBitmap(const BitmapBlt& blt) {
     const bool joins = !m_pendingBlts.empty() &&
                        SameDestination(*m_pendingBlts.back().image, m_pendingBlts.back().toDevice,
                                        pixels, partToDevice);
-    if (!joins || m_pendingBlts.size() >= kMostPending) FlushBitmaps();
+    if (!joins || m_pendingBlts.size() >= kMostPending || !ReadsDestination(p.rop))
+        FlushBitmaps();
     p.image = std::make_shared<const QImage>(std::move(pixels));
-    // A block that does not read the destination hides what waits under it.
-    if (!ReadsDestination(p.rop)) m_pendingBlts.clear();
     m_pendingBlts.push_back(std::move(p));
+    // A block that does not read the destination is drawn at once.
+    if (!ReadsDestination(m_pendingBlts.back().rop)) FlushBitmaps();
 }
 
 void DeviceContext::FlushBitmaps() {
@@ -249,7 +253,7 @@ void DeviceContext::ResolveBlts() {
     }
     std::vector<QImage> grid;
     for (const PendingBlt& p : m_pendingBlts) {
-        const QImage& im = *p.image;
+        QImage im = p.image->convertToFormat(QImage::Format_ARGB32);
         grid.push_back(im.width() == W && im.height() == H ? im : im.scaled(W, H));
         if (grid.back().isNull()) return;
     }

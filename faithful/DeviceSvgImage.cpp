@@ -4,6 +4,7 @@
 // units.
 #include <QBuffer>
 #include <QCryptographicHash>
+#include <QVector>
 #include <algorithm>
 #include <cmath>
 
@@ -28,7 +29,9 @@ QByteArray Digest(const ImageOp& op) {
     const QImage& im = *op.image;
     const int32_t header[3] = {im.width(), im.height(), (int32_t)im.format()};
     Add(hash, header, sizeof header);
-    const size_t rowBytes = (size_t)((int64_t)im.width() * im.depth() / 8);
+    const QVector<QRgb> table = im.colorTable();
+    if (!table.isEmpty()) Add(hash, table.constData(), sizeof(QRgb) * (size_t)table.size());
+    const size_t rowBytes = (size_t)(((int64_t)im.width() * im.depth() + 7) / 8);
     for (int y = 0; y < im.height(); ++y) Add(hash, im.constScanLine(y), rowBytes);
     return hash.result();
 }

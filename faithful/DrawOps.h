@@ -64,7 +64,7 @@ struct DrawOp {
     Stroke stroke;
 };
 
-// One image: its pixels (ARGB32, not premultiplied; transparency already applied) or, for a
+// One image: its pixels (any format; transparency already applied) or, for a
 // bitmap that the metafile carries compressed, its JPEG or PNG bytes; the affine map from
 // image pixels (0,0)-(width,height) to device units; whether stretched pixels are smoothed;
 // and the opacity the whole image is drawn with.
