@@ -215,6 +215,11 @@ struct BitmapBlt {
     uint32_t backgroundRop = 0x00AA0029;
 };
 
+// A block without a source extent of its own (its destination's) whose source runs past its
+// bitmap draws what the bitmap holds over the whole destination: its writer sized the source
+// in other units than the bitmap's pixels. Cuts such a source rectangle at the bitmap's edges.
+void FitSourceToBitmap(BitmapBlt& blt);
+
 class DeviceContext {
   public:
     // Draws into `sink`, which must outlive the context.

@@ -105,6 +105,14 @@ int MaskBit(const QImage& mask, int x, int y) {
 
 }  // namespace
 
+void FitSourceToBitmap(BitmapBlt& blt) {
+    RectF& s = blt.src;
+    if (s.right > 0 && s.left >= 0 && s.left < blt.width && s.left + s.right > blt.width)
+        s.right = blt.width - s.left;
+    if (s.bottom > 0 && s.top >= 0 && s.top < blt.height && s.top + s.bottom > blt.height)
+        s.bottom = blt.height - s.top;
+}
+
 void DeviceContext::DrawBitmap(const BitmapBlt& blt) {
     const bool ropBlend = blt.blend == BitmapBlt::Blend::Rop;
     if (ropBlend && !ReadsSource(blt.rop) && !blt.mask) {
@@ -207,8 +215,7 @@ void DeviceContext::DrawBitmap(const BitmapBlt& blt) {
     const bool joins = !m_pendingBlts.empty() &&
                        SameDestination(*m_pendingBlts.back().image, m_pendingBlts.back().toDevice,
                                        pixels, partToDevice);
-    if (!joins || m_pendingBlts.size() >= kMostPending || !ReadsDestination(p.rop))
-        FlushBitmaps();
+    if (!joins || m_pendingBlts.size() >= kMostPending || !ReadsDestination(p.rop)) FlushBitmaps();
     p.image = std::make_shared<const QImage>(std::move(pixels));
     m_pendingBlts.push_back(std::move(p));
     // A block that does not read the destination is drawn at once.

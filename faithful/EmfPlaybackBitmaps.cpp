@@ -123,15 +123,7 @@ void EmfPlayer::OnBitBlt(unsigned char* r, uint32_t size) {
     if (needsSource && !TakeBitmap(blt, r, size, b.offBmiSrc, b.offBitsSrc, b.cbBitsSrc,
                                    b.iUsageSrc, blt.blend == BitmapBlt::Blend::Alpha, true))
         return;
-    // A block without a source extent whose source runs past its bitmap draws what the
-    // bitmap holds over the whole destination: its writer sized the source in other units.
-    if (m_type == emr::BITBLT || m_type == emr::MASKBLT) {
-        RectF& s = blt.src;
-        if (s.right > 0 && s.left >= 0 && s.left < blt.width && s.left + s.right > blt.width)
-            s.right = blt.width - s.left;
-        if (s.bottom > 0 && s.top >= 0 && s.top < blt.height && s.top + s.bottom > blt.height)
-            s.bottom = blt.height - s.top;
-    }
+    if (m_type == emr::BITBLT || m_type == emr::MASKBLT) FitSourceToBitmap(blt);
     m_dc.DrawBitmap(blt);
 }
 

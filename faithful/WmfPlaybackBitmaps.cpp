@@ -62,6 +62,7 @@ void WmfPlayer::OnBitBlt(unsigned char* r, uint32_t size) {
         const bool dib = function == meta::DIBBITBLT || function == meta::DIBSTRETCHBLT;
         if (!Take(blt, s, dib ? DecodePackedDib(r, size, at, s) : DecodeDdb(r, size, at, s), true))
             return;
+        if (!stretch) FitSourceToBitmap(blt);
     }
     m_dc.DrawBitmap(blt);
 }
