@@ -28,6 +28,8 @@ const int HALFTONE = 4;
 const size_t kMostPending = 3;
 // Blocks combine when their destinations' corners agree to this many device units.
 const double kSameCorner = 0.5;
+// Source coordinates past this many pixels name no pixel of any bitmap.
+const double kFarthest = 1e9;
 
 // The operation's index byte: bit (p << 2 | s << 1 | d) is the result for those inputs.
 uint8_t RopIndex(uint32_t rop) {
@@ -125,7 +127,9 @@ void DeviceContext::DrawBitmap(const BitmapBlt& blt) {
                       blt.rop);
     }
     const RectF& s = blt.src;
-    if (!(s.right != 0 && s.bottom != 0) || !std::isfinite(s.right) || !std::isfinite(s.bottom))
+    if (!(s.right != 0 && s.bottom != 0) || !(std::fabs(s.left) < kFarthest) ||
+        !(std::fabs(s.top) < kFarthest) || !(std::fabs(s.right) < kFarthest) ||
+        !(std::fabs(s.bottom) < kFarthest))
         return;
     // Source pixels to logical units: the source rectangle's corners onto the destination's.
     const PointF* d = blt.dest;
@@ -224,8 +228,12 @@ void DeviceContext::DrawBitmap(const BitmapBlt& blt) {
 
 void DeviceContext::FlushBitmaps() {
     if (m_pendingBlts.empty()) return;
+    // What waits is used up even when its drawing passes the output limit.
+    struct Clear {
+        std::vector<PendingBlt>& blts;
+        ~Clear() { blts.clear(); }
+    } clear{m_pendingBlts};
     ResolveBlts();
-    m_pendingBlts.clear();
 }
 
 void DeviceContext::ResolveBlts() {
