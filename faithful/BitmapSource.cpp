@@ -222,7 +222,8 @@ bool DecodeDib(const unsigned char* r, size_t size, uint64_t headerOffset, uint6
     return true;
 }
 
-bool DecodePackedDib(const unsigned char* r, size_t size, uint64_t offset, SourceBitmap& out) {
+bool DecodePackedDib(const unsigned char* r, size_t size, uint64_t offset, SourceBitmap& out,
+                     uint32_t scans) {
     dib::DibSource dib;
     if (!dib::LocateBitmap(r, size, offset, offset, dib)) return false;
     const tagBITMAPINFOHEADER& h = dib.header;
@@ -233,7 +234,7 @@ bool DecodePackedDib(const unsigned char* r, size_t size, uint64_t offset, Sourc
         table = (uint64_t)4 << h.biBitCount;
     else if (h.biCompression == BI_BITFIELDS && h.biSize == kInfoHeader)
         table = 12;
-    return DecodeDib(r, size, offset, offset + h.biSize + table, 0, false, out);
+    return DecodeDib(r, size, offset, offset + h.biSize + table, 0, false, out, scans);
 }
 
 bool DecodeDdb(const unsigned char* r, size_t size, uint64_t offset, SourceBitmap& out) {

@@ -35,7 +35,9 @@ bool DecodeDib(const unsigned char* record, size_t size, uint64_t headerOffset, 
                uint64_t bitsBytes, bool alpha, SourceBitmap& out, uint32_t scans = 0);
 
 // A packed bitmap (header, colour table, bits) at `offset` of a WMF record.
-bool DecodePackedDib(const unsigned char* record, size_t size, uint64_t offset, SourceBitmap& out);
+// `scans` as for DecodeDib.
+bool DecodePackedDib(const unsigned char* record, size_t size, uint64_t offset, SourceBitmap& out,
+                     uint32_t scans = 0);
 
 // An old device-dependent bitmap at `offset` of a WMF record: type, width, height, bytes per
 // row, planes and bits per pixel (10 bytes), then the rows from the top. One plane of 1 bit

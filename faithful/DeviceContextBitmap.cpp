@@ -94,6 +94,12 @@ QImage SourcePixels(const BitmapBlt& blt, int x0, int y0, int x1, int y1, Rgb te
                     bool argb) {
     QImage part = blt.bitmap->copy(x0, y0, x1 - x0, y1 - y0);
     if (part.isNull()) return part;
+    if (part.format() == QImage::Format_Mono && part.width() % 8) {
+        // The bits past the last pixel of each row are left as the copy made them: cleared,
+        // so that the same pixels always encode to the same bytes.
+        const uchar keep = (uchar)(0xFF << (8 - part.width() % 8));
+        for (int y = 0; y < part.height(); ++y) part.scanLine(y)[part.width() / 8] &= keep;
+    }
     if (blt.monochrome && part.format() == QImage::Format_Mono)
         part.setColorTable({0xFF000000u | text, 0xFF000000u | back});
     return argb ? part.convertToFormat(QImage::Format_ARGB32) : part;

@@ -76,7 +76,7 @@ void WmfPlayer::OnStretchDib(unsigned char* r, uint32_t size) {
     SourceBitmap s;
     uint16_t usage;
     double ys, xs, cxs, cys;
-    uint32_t start = 0;
+    uint32_t start = 0, scans = 0;
     if (stretch) {
         blt.rop = Param32(r, 0);
         usage = (uint16_t)Param16(r, 2);
@@ -87,6 +87,7 @@ void WmfPlayer::OnStretchDib(unsigned char* r, uint32_t size) {
         DestRect(blt, Param16(r, 10), Param16(r, 9), Param16(r, 8), Param16(r, 7));
     } else {
         usage = (uint16_t)Param16(r, 0);
+        scans = (uint16_t)Param16(r, 1);
         start = (uint16_t)Param16(r, 2);
         ys = Param16(r, 3);
         xs = Param16(r, 4);
@@ -95,7 +96,7 @@ void WmfPlayer::OnStretchDib(unsigned char* r, uint32_t size) {
         DestRect(blt, Param16(r, 8), Param16(r, 7), cxs, cys);
     }
     const size_t at = sizeof(tagWMR) + (stretch ? 22 : 18);
-    if (!Take(blt, s, DecodePackedDib(r, size, at, s), false)) return;
+    if (!Take(blt, s, DecodePackedDib(r, size, at, s, scans), false)) return;
     if (usage == DIB_PAL_COLORS && s.bitCount <= 8) return;  // no palette to read
     // The source's y counts from the bottom row of a bottom-up bitmap.
     double top = ys - start;
