@@ -185,6 +185,41 @@ struct DcState {
     LogFont font;
 };
 
+// A bit block of a bitmap record, decoded (DeviceContextBitmap.cpp).
+struct BitmapBlt {
+    // The source, top-down; null for a compressed one.
+    std::shared_ptr<const QImage> bitmap;
+    // A 1-bit source of a bit block (not of the DIB records): index 0 is drawn in the text
+    // colour and 1 in the background colour.
+    bool monochrome = false;
+    // A JPEG or PNG source, drawn whole as it is; its size in pixels.
+    std::shared_ptr<const QByteArray> compressed;
+    bool jpeg = false;
+    int width = 0, height = 0;
+    // The source rectangle: x, y, width, height in source pixels (negative extents mirror).
+    RectF src;
+    // Where the source rectangle's corners (x, y), (x + width, y) and (x, y + height) land,
+    // logical.
+    PointF dest[3];
+    uint32_t rop = 0x00CC0020;  // SRCCOPY; the foreground operation of a masked block
+    enum class Blend : uint8_t { Rop, Alpha, Transparent } blend = Blend::Rop;
+    // Alpha: the constant alpha and whether the source carries premultiplied alpha.
+    uint8_t constantAlpha = 255;
+    bool sourceAlpha = false;
+    uint32_t key = 0;  // Transparent: the COLORREF drawn as nothing
+    // A 1-bit mask (masked blocks): its pixel (x + maskX, y + maskY) selects for the source
+    // pixel at (x, y) of the source rectangle the foreground operation (1) or the background
+    // one (0, `backgroundRop`; the destination kept when it is 0x00AA0029).
+    std::shared_ptr<const QImage> mask;
+    PointF maskOrigin;
+    uint32_t backgroundRop = 0x00AA0029;
+};
+
+// A block without a source extent of its own (its destination's) whose source runs past its
+// bitmap draws what the bitmap holds over the whole destination: its writer sized the source
+// in other units than the bitmap's pixels. Cuts such a source rectangle at the bitmap's edges.
+void FitSourceToBitmap(BitmapBlt& blt);
+
 class DeviceContext {
   public:
     // Draws into `sink`, which must outlive the context.
@@ -309,6 +344,14 @@ class DeviceContext {
     // then off by a half or a quarter), at most `maxPieces` in all.
     void GradientTriangle(const PointF (&v)[3], const Rgb (&c)[3], size_t maxPieces);
 
+    // --- bitmaps (DeviceContextBitmap.cpp) -----------------------------------------------
+    // Draws a bit block. Raster operations that read no source go to PatBlt. Blocks of
+    // operations that read the destination wait for the next block on the same destination
+    // (a mask and its image are drawn as one image with transparency); FlushBitmaps draws
+    // what waits, before anything else is drawn and at the end of the picture.
+    void DrawBitmap(const BitmapBlt& blt);
+    void FlushBitmaps();
+
     // --- path bracket ----------------------------------------------------------------------
     void BeginPath();  // discards an earlier path; drawing calls then add to the path
     void EndPath();
@@ -367,6 +410,16 @@ class DeviceContext {
     bool m_pathReady = false;  // EndPath closed a bracket whose path waits for its use
     bool m_widened = false;
     Path m_path;
+    // Bit blocks waiting for the next one on their destination (DeviceContextBitmap.cpp).
+    struct PendingBlt {
+        std::shared_ptr<const QImage> image;  // cropped
+        Matrix toDevice;                      // from its pixels to device units
+        uint32_t rop = 0;
+        Rgb pattern = 0;
+        bool smooth = false;
+    };
+    std::vector<PendingBlt> m_pendingBlts;
+    void ResolveBlts();
 };
 
 }  // namespace faithful

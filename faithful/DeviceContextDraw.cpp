@@ -185,6 +185,7 @@ FillRule DeviceContext::PolyFillRule() const {
 // --- emission ------------------------------------------------------------------------------
 
 void DeviceContext::Send(DrawOp& op) {
+    if (!m_pendingBlts.empty()) FlushBitmaps();
     if (op.path.IsEmpty() || !FinitePath(op.path)) return;
     if (op.fill.kind == Fill::Kind::None && !op.stroke.visible) return;
     m_sink.Draw(op);

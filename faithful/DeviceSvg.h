@@ -34,6 +34,9 @@ class DeviceSvg : public DrawSink {
     void SetLimit(size_t limit);
 
     void Draw(const DrawOp& op) override;
+    // An image: written once into the definitions (by its content), then placed by a use
+    // element with its own transform (DeviceSvgImage.cpp).
+    void DrawImage(const ImageOp& op) override;
 
     // Where the body stands, to return to when a record's drawing passed the limit.
     struct Mark {
@@ -78,6 +81,10 @@ class DeviceSvg : public DrawSink {
     std::map<std::tuple<const QImage*, int64_t, int64_t, int64_t, int64_t>, int> m_imagePatterns;
     std::vector<std::shared_ptr<const QImage>> m_tiles;
     size_t m_imageBudget = 0;  // bytes of tile pixels that may still be encoded
+    // The id of an image's definition, written on first use; -1 when it cannot be written
+    // (past the encoding budget or the document's limit).
+    int ImageFor(const ImageOp& op);
+    std::map<QByteArray, int> m_images;  // definitions by the digest of their content
     int m_nextId = 1;
     bool m_xlink = false;
     bool m_drawn = false;

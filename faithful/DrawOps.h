@@ -3,6 +3,7 @@
 #ifndef SVGMODULE_FAITHFUL_DRAWOPS_H
 #define SVGMODULE_FAITHFUL_DRAWOPS_H
 
+#include <QByteArray>
 #include <QImage>
 #include <cstdint>
 #include <memory>
@@ -67,11 +68,26 @@ struct DrawOp {
     Stroke stroke;
 };
 
+// One image: its pixels (any format; transparency already applied) or, for a
+// bitmap that the metafile carries compressed, its JPEG or PNG bytes; the affine map from
+// image pixels (0,0)-(width,height) to device units; whether stretched pixels are smoothed;
+// and the opacity the whole image is drawn with.
+struct ImageOp {
+    std::shared_ptr<const QImage> image;
+    std::shared_ptr<const QByteArray> compressed;  // when set, drawn instead of `image`
+    bool jpeg = false;                             // the compressed bytes are JPEG, else PNG
+    int width = 0, height = 0;                     // pixels of the compressed image
+    Matrix toDevice;
+    bool smooth = false;
+    double opacity = 1;
+};
+
 // Where a device context sends what it draws.
 class DrawSink {
   public:
     virtual ~DrawSink() = default;
     virtual void Draw(const DrawOp& op) = 0;
+    virtual void DrawImage(const ImageOp&) {}
 };
 
 }  // namespace faithful

@@ -46,6 +46,7 @@ QByteArray EmfPlayer::Play(const unsigned char* data, uint64_t size) {
     SetupDevice(header, data, size);
     m_writer.SetLimit(OutputBudget(size));
     Walk(data, header);
+    DrawPendingBitmaps();
     return Finish(header);
 }
 
@@ -177,6 +178,11 @@ const EmfPlayer::Entry* EmfPlayer::EntryFor(uint32_t type) {
         {emr::SELECTCLIPPATH, &P::OnPathRecord, sizeof(tagEMRSELECTCLIPPATH)},
         {emr::ABORTPATH, &P::OnPathRecord, sizeof(tagEMR)},
         {emr::BITBLT, &P::OnBitBlt, sizeof(tagEMRBITBLT)},
+        {emr::STRETCHBLT, &P::OnBitBlt, sizeof(tagEMRSTRETCHBLT)},
+        {emr::MASKBLT, &P::OnBitBlt, sizeof(tagEMRMASKBLT)},
+        {emr::PLGBLT, &P::OnPlgBlt, 140},
+        {emr::SETDIBITSTODEVICE, &P::OnSetDIBitsToDevice, 76},
+        {emr::STRETCHDIBITS, &P::OnStretchDIBits, sizeof(tagEMRSTRETCHDIBITS)},
         {emr::EXTCREATEFONTINDIRECTW, &P::OnCreateFont, sizeof(tagEMREXTCREATEFONTINDIRECTW)},
         {emr::EXTTEXTOUTA, &P::OnExtTextOut, sizeof(tagEMREXTTEXTOUTA)},
         {emr::EXTTEXTOUTW, &P::OnExtTextOut, sizeof(tagEMREXTTEXTOUTW)},
@@ -194,6 +200,8 @@ const EmfPlayer::Entry* EmfPlayer::EntryFor(uint32_t type) {
         {emr::CREATECOLORSPACE, &P::OnCreateOther, 12},
         {emr::GRADIENTFILL, &P::OnGradientFill, 36},
         {emr::CREATECOLORSPACEW, &P::OnCreateOther, 12},
+        {emr::ALPHABLEND, &P::OnBitBlt, sizeof(tagEMRSTRETCHBLT)},
+        {emr::TRANSPARENTBLT, &P::OnBitBlt, sizeof(tagEMRSTRETCHBLT)},
     };
     static const std::array<Entry, 128> table = [] {
         std::array<Entry, 128> entries{};

@@ -87,7 +87,14 @@ class EmfPlayer {
     void OnArc(unsigned char* r, uint32_t size);  // EMR_ARC, ARCTO, CHORD, PIE
     void OnAngleArc(unsigned char* r, uint32_t size);
     void OnSetPixel(unsigned char* r, uint32_t size);
-    void OnBitBlt(unsigned char* r, uint32_t size);  // drawn only when it needs no bitmap
+
+    // Bit blocks (EmfPlaybackBitmaps.cpp).
+    void OnBitBlt(unsigned char* r, uint32_t size);  // BITBLT, STRETCHBLT, MASKBLT, ...
+    void OnPlgBlt(unsigned char* r, uint32_t size);
+    void OnStretchDIBits(unsigned char* r, uint32_t size);
+    void OnSetDIBitsToDevice(unsigned char* r, uint32_t size);
+    // Draws the bit blocks that wait for a partner, at the end of the records.
+    void DrawPendingBitmaps();
 
     // Text (EmfPlaybackText.cpp): the opaque rectangle only, so far.
     void OnExtTextOut(unsigned char* r, uint32_t size);
@@ -175,6 +182,11 @@ enum : uint32_t {
     SELECTCLIPPATH = 67,
     ABORTPATH = 68,
     BITBLT = 76,
+    STRETCHBLT = 77,
+    MASKBLT = 78,
+    PLGBLT = 79,
+    SETDIBITSTODEVICE = 80,
+    STRETCHDIBITS = 81,
     EXTCREATEFONTINDIRECTW = 82,
     EXTTEXTOUTA = 83,
     EXTTEXTOUTW = 84,
@@ -190,6 +202,8 @@ enum : uint32_t {
     CREATEDIBPATTERNBRUSHPT = 94,
     EXTCREATEPEN = 95,
     CREATECOLORSPACE = 99,
+    ALPHABLEND = 114,
+    TRANSPARENTBLT = 116,
     GRADIENTFILL = 118,
     CREATECOLORSPACEW = 122,
 };

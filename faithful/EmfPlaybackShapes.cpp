@@ -1,4 +1,4 @@
-// EMF decoders of shapes, arcs, pixels and the pattern-only bit blocks.
+// EMF decoders of shapes, arcs and pixels.
 #include <cstring>
 
 #include "byteorder/EmfNormalisers.h"
@@ -19,12 +19,6 @@ RectF RectOf(const tagRECT& r) {
 
 PointF PointOf(const tagPOINT& p) {
     return {(double)p.x, (double)p.y};
-}
-
-// True for the raster operations of a bit block that use no source bitmap.
-bool PatternOnly(uint32_t rop) {
-    return rop == gdi::PATCOPY || rop == gdi::PATINVERT || rop == gdi::DSTINVERT ||
-           rop == gdi::BLACKNESS || rop == gdi::WHITENESS;
 }
 
 }  // namespace
@@ -71,14 +65,6 @@ void EmfPlayer::OnAngleArc(unsigned char* r, uint32_t) {
 
 void EmfPlayer::OnSetPixel(unsigned char* r, uint32_t) {
     m_dc.SetPixel({(double)SignedField32(r, 8), (double)SignedField32(r, 12)}, Field32(r, 16));
-}
-
-void EmfPlayer::OnBitBlt(unsigned char* r, uint32_t) {
-    tagEMRBITBLT& b = As<tagEMRBITBLT>(r);
-    InitEMRBITBLT(b);
-    // Bit blocks that need no source are pattern blocks; bitmaps are not drawn yet.
-    if (!PatternOnly(b.dwRop)) return;
-    m_dc.PatBlt({(double)b.xDest, (double)b.yDest, (double)b.cxDest, (double)b.cyDest}, b.dwRop);
 }
 
 }  // namespace faithful

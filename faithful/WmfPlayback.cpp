@@ -84,6 +84,7 @@ int WmfPlayer::Play(const unsigned char* data, uint64_t size, QByteArray& out) {
     SetupDevice(isPlaceable ? &placeable : nullptr, data, begin, end);
     m_writer.SetLimit(OutputBudget(size));
     Walk(data, begin, end);
+    DrawPendingBitmaps();
     QByteArray svg = Finish();
     out.swap(svg);
     return 2;
@@ -238,6 +239,8 @@ const WmfPlayer::Entry* WmfPlayer::EntryFor(uint16_t function) {
         {meta::DIBBITBLT, &P::OnBitBlt, words(11)},
         {meta::STRETCHBLT, &P::OnBitBlt, words(11)},
         {meta::DIBSTRETCHBLT, &P::OnBitBlt, words(11)},
+        {meta::SETDIBTODEV, &P::OnStretchDib, words(9)},
+        {meta::STRETCHDIB, &P::OnStretchDib, words(11)},
     };
     static const std::array<Entry, 0x1000> table = [] {
         std::array<Entry, 0x1000> entries{};

@@ -96,8 +96,11 @@ class WmfPlayer {
     void OnArc(unsigned char* r, uint32_t size);  // ARC, CHORD, PIE
     void OnSetPixel(unsigned char* r, uint32_t size);
     void OnPatBlt(unsigned char* r, uint32_t size);
-    // The bit-block records: drawn only in their form without a bitmap, as a pattern block.
-    void OnBitBlt(unsigned char* r, uint32_t size);
+    // Bit blocks (WmfPlaybackBitmaps.cpp).
+    void OnBitBlt(unsigned char* r, uint32_t size);      // BITBLT, STRETCHBLT and DIB forms
+    void OnStretchDib(unsigned char* r, uint32_t size);  // STRETCHDIB, SETDIBTODEV
+    // Draws the bit blocks that wait for a partner, at the end of the records.
+    void DrawPendingBitmaps();
 
     DeviceSvg m_writer;
     DeviceContext m_dc;
@@ -169,6 +172,8 @@ enum : uint16_t {
     DIBBITBLT = 0x0940,
     STRETCHBLT = 0x0B23,
     DIBSTRETCHBLT = 0x0B41,
+    SETDIBTODEV = 0x0D33,
+    STRETCHDIB = 0x0F43,
 };
 }  // namespace meta
 

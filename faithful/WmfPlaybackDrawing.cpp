@@ -33,12 +33,6 @@ void ReadPoints(const unsigned char* r, size_t offset, uint32_t count, std::vect
                        (double)Param16(r, first + 2 * (size_t)i + 1)});
 }
 
-// True for the raster operations of a bit block that use no source bitmap.
-bool PatternOnly(uint32_t rop) {
-    return rop == gdi::PATCOPY || rop == gdi::PATINVERT || rop == gdi::DSTINVERT ||
-           rop == gdi::BLACKNESS || rop == gdi::WHITENESS;
-}
-
 }  // namespace
 
 void WmfPlayer::OnMoveTo(unsigned char* r, uint32_t) {
@@ -113,20 +107,6 @@ void WmfPlayer::OnPatBlt(unsigned char* r, uint32_t) {
     m_dc.PatBlt({(double)Param16(r, 5), (double)Param16(r, 4), (double)Param16(r, 3),
                  (double)Param16(r, 2)},
                 Param32(r, 0));
-}
-
-void WmfPlayer::OnBitBlt(unsigned char* r, uint32_t size) {
-    // The form without a bitmap is exactly (function >> 8) + 3 words long: the raster
-    // operation, the source's parameters, a reserved word, then the destination's height,
-    // width, y and x at the end.
-    const uint16_t function = RecordFunction(r);
-    if (size != ((uint32_t)(function >> 8) + 3) * 2) return;
-    const uint32_t rop = Param32(r, 0);
-    if (!PatternOnly(rop)) return;
-    const size_t last = size / 2 - 4;  // the index of the destination's x
-    m_dc.PatBlt({(double)Param16(r, last), (double)Param16(r, last - 1),
-                 (double)Param16(r, last - 2), (double)Param16(r, last - 3)},
-                rop);
 }
 
 }  // namespace faithful

@@ -1,0 +1,126 @@
+// The faithful writer's images: each distinct image is encoded once (PNG, or the JPEG or PNG
+// bytes the metafile carries) into an image element of the definitions, at one user unit per
+// pixel, and every drawing of it is a use element whose transform maps its pixels to device
+// units.
+#include <QBuffer>
+#include <QCryptographicHash>
+#include <QVector>
+#include <algorithm>
+#include <cmath>
+
+#include "faithful/DeviceSvg.h"
+
+namespace faithful {
+
+namespace {
+
+// The digest of an image's content: its kind, size and bytes.
+void Add(QCryptographicHash& hash, const void* data, size_t size) {
+    hash.addData(QByteArray::fromRawData(static_cast<const char*>(data), (int)size));
+}
+
+QByteArray Digest(const ImageOp& op) {
+    QCryptographicHash hash(QCryptographicHash::Sha1);
+    if (op.compressed) {
+        Add(hash, op.jpeg ? "jpeg" : "png ", 4);
+        Add(hash, op.compressed->constData(), (size_t)op.compressed->size());
+        return hash.result();
+    }
+    const QImage& im = *op.image;
+    const int32_t header[3] = {im.width(), im.height(), (int32_t)im.format()};
+    Add(hash, header, sizeof header);
+    const QVector<QRgb> table = im.colorTable();
+    if (!table.isEmpty()) Add(hash, table.constData(), sizeof(QRgb) * (size_t)table.size());
+    const size_t rowBytes = (size_t)(((int64_t)im.width() * im.depth() + 7) / 8);
+    for (int y = 0; y < im.height(); ++y) Add(hash, im.constScanLine(y), rowBytes);
+    return hash.result();
+}
+
+// The matrix's linear part needs more than hundredths: a pixel may be a small fraction of a
+// device unit.
+void AppendScale(SvgBuffer& out, double v) {
+    if (!std::isfinite(v) || std::fabs(v) < 1e-9) v = 0;
+    out.AppendReal(v);
+}
+
+}  // namespace
+
+int DeviceSvg::ImageFor(const ImageOp& op) {
+    const QByteArray key = Digest(op);
+    const auto found = m_images.find(key);
+    if (found != m_images.end()) return found->second;
+    // Encoding costs time in proportion to the pixels: no more is encoded than the document
+    // may hold.
+    const size_t bytes =
+        op.compressed ? (size_t)op.compressed->size() : (size_t)op.image->sizeInBytes();
+    if (bytes > m_imageBudget) return -1;
+    m_imageBudget -= bytes;
+    int width = op.width, height = op.height;
+    QByteArray data;
+    if (op.compressed) {
+        data = op.compressed->toBase64();
+    } else {
+        QByteArray png;
+        QBuffer device(&png);
+        device.open(QIODevice::WriteOnly);
+        if (!op.image->save(&device, "PNG")) return -1;
+        data = png.toBase64();
+        width = op.image->width();
+        height = op.image->height();
+    }
+    if (width <= 0 || height <= 0) return -1;
+    const int id = m_nextId++;
+    const size_t mark = m_body.size();
+    try {
+        m_body.Write("<defs><image id=\"i", id, "\" width=\"", width, "\" height=\"", height,
+                     "\" preserveAspectRatio=\"none\" xlink:href=\"data:image/",
+                     op.compressed && op.jpeg ? "jpeg" : "png", ";base64,", data, "\"/></defs>\n");
+    } catch (const OutputLimitReached&) {
+        // An image the document cannot hold is left out; the drawing goes on.
+        m_body.Truncate(mark);
+        return -1;
+    }
+    m_xlink = true;
+    m_images.emplace(key, id);
+    return id;
+}
+
+void DeviceSvg::DrawImage(const ImageOp& op) {
+    if (!op.compressed && (!op.image || op.image->isNull())) return;
+    if (!(op.opacity > 0)) return;
+    const Matrix& m = op.toDevice;
+    const int id = ImageFor(op);
+    if (id < 0) return;
+    SvgBuffer style;
+    if (!op.smooth) style.Append(" image-rendering=\"optimizeSpeed\"");
+    if (op.opacity < 1) {
+        style.Append(" opacity=\"");
+        AppendScale(style, op.opacity);
+        style.Append('"');
+    }
+    BeginElement(style.Take());
+    m_body.Write("<use xlink:href=\"#i", id, "\" transform=\"matrix(");
+    AppendScale(m_body, m.m11);
+    m_body.Append(' ');
+    AppendScale(m_body, m.m12);
+    m_body.Append(' ');
+    AppendScale(m_body, m.m21);
+    m_body.Append(' ');
+    AppendScale(m_body, m.m22);
+    m_body.Append(' ');
+    AppendNumber(m_body, m.dx);
+    m_body.Append(' ');
+    AppendNumber(m_body, m.dy);
+    m_body.Append(")\"/>\n");
+
+    const double w = op.compressed ? op.width : op.image->width();
+    const double h = op.compressed ? op.height : op.image->height();
+    const PointF c[4] = {m.Map({0, 0}), m.Map({w, 0}), m.Map({0, h}), m.Map({w, h})};
+    RectF b{c[0].x, c[0].y, c[0].x, c[0].y};
+    for (const PointF& p : c)
+        b = {std::min(b.left, p.x), std::min(b.top, p.y), std::max(b.right, p.x),
+             std::max(b.bottom, p.y)};
+    Extend(b);
+}
+
+}  // namespace faithful
