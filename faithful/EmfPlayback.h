@@ -92,6 +92,13 @@ class EmfPlayer {
     // Text (EmfPlaybackText.cpp): the opaque rectangle only, so far.
     void OnExtTextOut(unsigned char* r, uint32_t size);
 
+    // Clipping and regions (EmfPlaybackClip.cpp).
+    void OnClipRect(unsigned char* r, uint32_t size);  // INTERSECTCLIPRECT, EXCLUDECLIPRECT
+    void OnOffsetClipRgn(unsigned char* r, uint32_t size);
+    void OnSetMetaRgn(unsigned char* r, uint32_t size);
+    void OnExtSelectClipRgn(unsigned char* r, uint32_t size);
+    void OnDrawRegion(unsigned char* r, uint32_t size);  // FILLRGN, FRAMERGN, INVERTRGN, PAINTRGN
+
     // Path brackets (EmfPlaybackPaths.cpp).
     void OnPathRecord(unsigned char* r, uint32_t size);
 
@@ -137,6 +144,10 @@ enum : uint32_t {
     SETTEXTALIGN = 22,
     SETTEXTCOLOR = 24,
     SETBKCOLOR = 25,
+    OFFSETCLIPRGN = 26,
+    SETMETARGN = 28,
+    EXCLUDECLIPRECT = 29,
+    INTERSECTCLIPRECT = 30,
     MOVETOEX = 27,
     SCALEVIEWPORTEXTEX = 31,
     SCALEWINDOWEXTEX = 32,
@@ -171,6 +182,11 @@ enum : uint32_t {
     WIDENPATH = 66,
     SELECTCLIPPATH = 67,
     ABORTPATH = 68,
+    FILLRGN = 71,
+    FRAMERGN = 72,
+    INVERTRGN = 73,
+    PAINTRGN = 74,
+    EXTSELECTCLIPRGN = 75,
     BITBLT = 76,
     EXTCREATEFONTINDIRECTW = 82,
     EXTTEXTOUTA = 83,

@@ -99,6 +99,14 @@ class WmfPlayer {
     // The bit-block records: drawn only in their form without a bitmap, as a pattern block.
     void OnBitBlt(unsigned char* r, uint32_t size);
 
+    // Clipping and regions (WmfPlaybackClip.cpp).
+    void OnCreateRegion(unsigned char* r, uint32_t size);
+    void OnClipRect(unsigned char* r, uint32_t size);  // INTERSECTCLIPRECT, EXCLUDECLIPRECT
+    void OnOffsetClipRgn(unsigned char* r, uint32_t size);
+    void OnSelectClipRegion(unsigned char* r, uint32_t size);
+    // FILLREGION, FRAMEREGION, INVERTREGION, PAINTREGION
+    void OnDrawRegion(unsigned char* r, uint32_t size);
+
     DeviceSvg m_writer;
     DeviceContext m_dc;
     records::RecordBuffer m_copy;
@@ -169,6 +177,14 @@ enum : uint16_t {
     DIBBITBLT = 0x0940,
     STRETCHBLT = 0x0B23,
     DIBSTRETCHBLT = 0x0B41,
+    INVERTREGION = 0x012A,
+    PAINTREGION = 0x012B,
+    SELECTCLIPREGION = 0x012C,
+    OFFSETCLIPRGN = 0x0220,
+    FILLREGION = 0x0228,
+    EXCLUDECLIPRECT = 0x0415,
+    INTERSECTCLIPRECT = 0x0416,
+    FRAMEREGION = 0x0429,
 };
 }  // namespace meta
 
