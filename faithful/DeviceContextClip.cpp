@@ -67,7 +67,7 @@ bool DeviceContext::CombineClip(const QRegion& region, int mode) {
     }
     if (mode == gdi::RGN_OR && !current) return true;  // everything stays everything
     if (mode < gdi::RGN_AND || mode > gdi::RGN_DIFF) return false;
-    const QRegion base = current ? current->region : QRegion(region::Everything());
+    const QRegion base = current ? current->region : QRegion(region::Everything(m_deviceSize));
     const uint64_t count = CombinationCount(base, region, kMaxRegionRects);
     if (count > kMaxRegionRects || !Charge(count)) return false;
     switch (mode) {
@@ -151,7 +151,8 @@ void DeviceContext::OffsetClipRgn(double dx, double dy) {
     const int x = region::Edge(d.x), y = region::Edge(d.y);
     if ((x == 0 && y == 0) || !Charge((uint64_t)m_state.clip->region.rectCount() + 1)) return;
     // Moved, and cut to the extent regions keep to.
-    SetClipRegion(m_state.clip->region.translated(x, y).intersected(region::Everything()));
+    SetClipRegion(
+        m_state.clip->region.translated(x, y).intersected(region::Everything(m_deviceSize)));
 }
 
 void DeviceContext::SetMetaRgn() {

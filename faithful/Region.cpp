@@ -30,8 +30,11 @@ PointF CubicAt(PointF p0, PointF c1, PointF c2, PointF p3, double t) {
 
 }  // namespace
 
-QRect Everything() {
-    return QRect(-kExtent, -kExtent, 2 * kExtent, 2 * kExtent);
+QRect Everything(PointF deviceSize) {
+    const double side = std::max(deviceSize.x, deviceSize.y) * 8;
+    const int half =
+        std::isfinite(side) ? (int)std::max(65536.0, std::min(4194304.0, side)) : 65536;
+    return QRect(-half, -half, 2 * half, 2 * half);
 }
 
 int Edge(double v) {

@@ -12,10 +12,11 @@
 namespace faithful {
 namespace region {
 
-// Device coordinates of regions stay within +-kExtent; the region "everything" (the complement
-// of no clip) is the square of that half side.
+// Device coordinates of regions stay within +-kExtent.
 const int kExtent = 1 << 24;
-QRect Everything();
+// The region "everything" (the complement of no clip) for a device of this size: far around
+// the device, yet small enough for renderers that keep coordinates in 24 bits.
+QRect Everything(PointF deviceSize);
 
 // A device coordinate as a pixel edge: rounded, within +-kExtent; 0 when not finite.
 int Edge(double v);
