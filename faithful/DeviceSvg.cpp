@@ -103,6 +103,7 @@ void DeviceSvg::Rewind(const Mark& mark) {
     m_clipGroup = mark.clipGroup;
     for (auto it = m_clips.begin(); it != m_clips.end();)
         it = it->second.offset >= mark.size ? m_clips.erase(it) : std::next(it);
+    m_clipIds.clear();
     if (m_clipId > 0) m_clipId = -1;
 }
 

@@ -96,11 +96,13 @@ class DeviceSvg : public DrawSink {
     int m_clipId = 0;
     int m_clipGroup = 0;
     struct ClipDef {
-        QRegion region;
+        std::shared_ptr<const Clip> clip;  // kept alive: no other clip takes its address
         int id;
         size_t offset;  // where the body held it
     };
     std::multimap<uint64_t, ClipDef> m_clips;  // by a hash of their rectangles
+    // Clips already looked up, by identity (kept alive for it), and their ids.
+    std::map<const Clip*, std::pair<std::shared_ptr<const Clip>, int>> m_clipIds;
 };
 
 }  // namespace faithful
