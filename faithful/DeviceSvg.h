@@ -101,8 +101,8 @@ class DeviceSvg : public DrawSink {
         size_t offset;  // where the body held it
     };
     std::multimap<uint64_t, ClipDef> m_clips;  // by a hash of their rectangles
-    // Clips already looked up, by identity (kept alive for it), and their ids.
-    std::map<const Clip*, std::pair<std::shared_ptr<const Clip>, int>> m_clipIds;
+    // Clips already looked up, by identity while they live, and their ids.
+    std::map<const Clip*, std::pair<std::weak_ptr<const Clip>, int>> m_clipIds;
 };
 
 }  // namespace faithful

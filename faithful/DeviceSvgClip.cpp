@@ -31,13 +31,14 @@ int DeviceSvg::ClipId() {
     if (m_clipId >= 0) return m_clipId;
     // A clip set again is known by its identity; a new one costs a look-up by content.
     const auto known = m_clipIds.find(m_clip.get());
-    if (known != m_clipIds.end()) return m_clipId = known->second.second;
+    if (known != m_clipIds.end() && !known->second.first.expired())
+        return m_clipId = known->second.second;
     const QRegion& region = m_clip->region;
     const uint64_t hash = HashOf(region);
     const auto range = m_clips.equal_range(hash);
     for (auto it = range.first; it != range.second; ++it) {
         if (it->second.clip->region != region) continue;
-        m_clipIds.emplace(m_clip.get(), std::make_pair(m_clip, it->second.id));
+        m_clipIds[m_clip.get()] = std::make_pair(m_clip, it->second.id);
         return m_clipId = it->second.id;
     }
     const int id = m_nextId++;
@@ -50,7 +51,7 @@ int DeviceSvg::ClipId() {
         m_body.Append("\"/></clipPath></defs>\n");
     }
     m_clips.emplace(hash, ClipDef{m_clip, id, offset});
-    m_clipIds.emplace(m_clip.get(), std::make_pair(m_clip, id));
+    m_clipIds[m_clip.get()] = std::make_pair(m_clip, id);
     return m_clipId = id;
 }
 
