@@ -240,9 +240,11 @@ void DeviceContext::RestoreDC(int level) {
         m_savesDropped = (int)(target - 1 - kept);
         return;
     }
+    const std::shared_ptr<const Clip> clip = m_state.clip;
     m_state = m_saved[(size_t)(target - 1)];
     m_saved.resize((size_t)(target - 1));
     m_savesDropped = 0;
+    if (m_state.clip != clip) ClipChanged();
 }
 
 int DeviceContext::SaveDepth() const {
@@ -318,14 +320,22 @@ void DeviceContext::SetObjectTableSize(uint32_t count) {
     m_slotLimit = count;
 }
 
+const GdiObject* DeviceContext::Lookup(uint32_t index, GdiObject& stock) const {
+    if (!(index & gdi::kStockObject)) return ObjectAt(index);
+    return StockObject(index & ~gdi::kStockObject, stock) ? &stock : nullptr;
+}
+
+bool DeviceContext::BrushAt(uint32_t index, LogBrush& out) const {
+    GdiObject stock;
+    const GdiObject* o = Lookup(index, stock);
+    if (!o || o->kind != GdiObject::Kind::Brush) return false;
+    out = o->brush;
+    return true;
+}
+
 void DeviceContext::SelectObject(uint32_t index) {
     GdiObject stock;
-    const GdiObject* o = nullptr;
-    if (index & gdi::kStockObject) {
-        if (StockObject(index & ~gdi::kStockObject, stock)) o = &stock;
-    } else {
-        o = ObjectAt(index);
-    }
+    const GdiObject* o = Lookup(index, stock);
     if (!o) return;
     switch (o->kind) {
         case GdiObject::Kind::Pen:
@@ -337,6 +347,11 @@ void DeviceContext::SelectObject(uint32_t index) {
         case GdiObject::Kind::Font:
             m_state.font = o->font;
             break;
+        case GdiObject::Kind::Region: {  // selecting a region selects it as the clip
+            const QRegion region = o->region;
+            SelectClipRegion(&region, gdi::RGN_COPY);
+            break;
+        }
         default:
             break;
     }

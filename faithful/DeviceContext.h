@@ -102,6 +102,8 @@ enum : uint32_t {
 };
 // Types of the points of PolyDraw.
 enum : uint8_t { PT_CLOSEFIGURE = 1, PT_LINETO = 2, PT_BEZIERTO = 4, PT_MOVETO = 6 };
+// Modes of combining a region with the clip.
+enum : int { RGN_AND = 1, RGN_OR = 2, RGN_XOR = 3, RGN_DIFF = 4, RGN_COPY = 5 };
 // The stock-object flag of an EMF object index.
 constexpr uint32_t kStockObject = 0x80000000u;
 }  // namespace gdi
@@ -159,6 +161,7 @@ struct GdiObject {
     LogPen pen;
     LogBrush brush;
     LogFont font;
+    QRegion region;  // Region: its rectangles as the record gives them
 };
 
 // The mapping state that SaveDC keeps and the drawing calls read.
@@ -183,6 +186,7 @@ struct DcState {
     LogPen pen;
     LogBrush brush = WhiteBrush();
     LogFont font;
+    std::shared_ptr<const Clip> clip;  // device space; null: no clip
 };
 
 // A bit block of a bitmap record, decoded (DeviceContextBitmap.cpp).
@@ -289,7 +293,7 @@ class DeviceContext {
     // The number of WMF slots (the header's object count); 0: no limit but the input's.
     void SetObjectTableSize(uint32_t count);
     // Selects the object at `index`, or the stock object (gdi::kStockObject | n). An empty
-    // index or a palette, region or colour space is ignored here.
+    // index or a palette or colour space is ignored here; a region becomes the clip.
     void SelectObject(uint32_t index);
     // Empties the slot; what is selected stays selected and keeps drawing (the context holds
     // its own copies). Stock objects cannot be deleted.
@@ -364,7 +368,8 @@ class DeviceContext {
     // The path becomes the outline of its stroke by the pen: filling it then draws the pen's
     // stroke in the brush's colour, stroking it draws the pen's stroke.
     void WidenPath();
-    // Clipping comes with the clip records; the path is used up.
+    // The path's pixels (under the polygon fill mode) combine with the clip by `mode`
+    // (gdi::RGN_*); the path is used up.
     void SelectClipPath(int mode);
     bool InPathBracket() const { return m_inBracket; }
 
@@ -378,7 +383,47 @@ class DeviceContext {
     // The fill of the selected brush under the current mapping, modes and raster operation.
     Fill CurrentFill() const;
 
+    // --- clipping and regions (DeviceContextClip.cpp) ----------------------------------------
+    // The clip is a set of device pixels, kept with the saved states. Rectangles are logical;
+    // their device rectangles (or, under a rotation, the pixels of their outline) combine with
+    // the clip. Every combination costs work from the region budget; one the budget cannot pay
+    // for, or whose result would pass kMaxRegionRects, is refused and the clip stays.
+    void IntersectClipRect(const RectF& box);
+    void ExcludeClipRect(const RectF& box);
+    // `region` in device units; null with RGN_COPY removes the clip, with the others nothing.
+    void SelectClipRegion(const QRegion* region, int mode);
+    void OffsetClipRgn(double dx, double dy);  // logical units
+    // The clip becomes (part of) the meta region, which every later clip is intersected with
+    // and no RestoreDC takes back; the clip is removed.
+    void SetMetaRgn();
+    // The clip in force: the meta region and the clip; null when neither.
+    const std::shared_ptr<const Clip>& CurrentClip() const { return m_effectiveClip; }
+    // Work the region operations may still do (about a rectangle or a scanline crossing each).
+    void SetRegionBudget(uint64_t units) { m_regionBudget = units; }
+    // Regions drawn, in logical units: filled with a brush, framed by a brush (frame width
+    // and height logical), inverted (drawn black, as on a white page), painted with the
+    // selected brush. The brush is used as it is, without the binary raster operation.
+    void FillRegion(const QRegion& region, const LogBrush& brush);
+    void FrameRegion(const QRegion& region, const LogBrush& brush, double width, double height);
+    void InvertRegion(const QRegion& region);
+    void PaintRegion(const QRegion& region);
+    // The brush at an object index (or a stock brush); false when it names none.
+    bool BrushAt(uint32_t index, LogBrush& out) const;
+
   private:
+    // Clipping helpers (DeviceContextClip.cpp).
+    const GdiObject* Lookup(uint32_t index, GdiObject& stock) const;
+    bool Charge(uint64_t units);
+    bool DeviceRegion(const QRegion& logical, QRegion& out);
+    bool BoxRegion(const RectF& box, QRegion& out);
+    bool CombineClip(const QRegion& region, int mode);
+    void SetClipRegion(const QRegion& region);
+    void ClipChanged();
+    void DrawRegion(const QRegion& device, const Fill& fill);
+    std::shared_ptr<const Clip> m_metaClip;
+    std::shared_ptr<const Clip> m_effectiveClip;
+    uint64_t m_regionBudget = uint64_t(1) << 22;
+
     // The isotropic mode's adjustment: the viewport extent shrinks on one axis until a
     // logical unit spans the same length on both.
     void FixIsotropic();

@@ -517,10 +517,4 @@ void DeviceContext::WidenPath() {
     if (m_pathReady) m_widened = true;
 }
 
-void DeviceContext::SelectClipPath(int mode) {
-    (void)mode;
-    if (m_inBracket) EndPath();
-    AbortPath();
-}
-
 }  // namespace faithful

@@ -100,6 +100,11 @@ void DeviceSvg::Rewind(const Mark& mark) {
     m_body.Truncate(mark.size);
     m_groupOpen = mark.groupOpen;
     m_group = mark.group;
+    m_clipGroup = mark.clipGroup;
+    for (auto it = m_clips.begin(); it != m_clips.end();)
+        it = it->second.offset >= mark.size ? m_clips.erase(it) : std::next(it);
+    m_clipIds.clear();
+    if (m_clipId > 0) m_clipId = -1;
 }
 
 bool DeviceSvg::DrawnBounds(RectF& out) const {
@@ -285,6 +290,12 @@ void DeviceSvg::AppendPathData(const Path& path) {
 }
 
 void DeviceSvg::BeginElement(const QByteArray& style) {
+    const int clip = ClipId();
+    if (clip != m_clipGroup) {
+        CloseGroups();
+        if (clip) m_body.Write("<g clip-path=\"url(#c", clip, ")\">\n");
+        m_clipGroup = clip;
+    }
     if (m_groupOpen && style == m_group) return;
     if (m_groupOpen) m_body.Append("</g>\n");
     m_groupOpen = false;
@@ -293,7 +304,15 @@ void DeviceSvg::BeginElement(const QByteArray& style) {
     m_groupOpen = true;
 }
 
-void DeviceSvg::Extend(const RectF& b) {
+void DeviceSvg::Extend(const RectF& drawn) {
+    RectF b = drawn;
+    if (m_clip) {
+        if (!ClipShows(b)) return;
+        const QRect c = m_clip->region.boundingRect();
+        b = {std::max<double>(b.left, c.x()), std::max<double>(b.top, c.y()),
+             std::min<double>(b.right, (double)c.x() + c.width()),
+             std::min<double>(b.bottom, (double)c.y() + c.height())};
+    }
     if (!m_drawn) {
         m_bounds = b;
         m_drawn = true;
@@ -304,23 +323,22 @@ void DeviceSvg::Extend(const RectF& b) {
 }
 
 void DeviceSvg::Draw(const DrawOp& op) {
-    BeginElement(StyleOf(op));
-    m_body.Append("<path d=\"");
-    AppendPathData(op.path);
-    m_body.Append("\"/>\n");
-
     RectF b = op.path.Bounds();
     if (op.stroke.visible) {
         const double h = op.stroke.width / 2;
         b = {b.left - h, b.top - h, b.right + h, b.bottom + h};
     }
+    if (!ClipShows(b)) return;
+    BeginElement(StyleOf(op));
+    m_body.Append("<path d=\"");
+    AppendPathData(op.path);
+    m_body.Append("\"/>\n");
     Extend(b);
 }
 
 QByteArray DeviceSvg::Finish(double widthPx, double heightPx, const RectF& viewBox) {
     m_body.SetLimit(SvgBuffer::kNoLimit);
-    if (m_groupOpen) m_body.Append("</g>\n");
-    m_groupOpen = false;
+    CloseGroups();
     SvgBuffer doc;
     doc.Append(
         "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"

@@ -4,7 +4,10 @@
 // The document's root carries the presentation defaults of the drawing system (no fill, round
 // caps and joins), so each element writes only what differs from them. Consecutive elements
 // of one style share a group that carries it. Hatch and image fills become patterns and
-// gradient fills linear gradients, each written once and referenced by every fill that uses it.
+// gradient fills linear gradients, each written once and referenced by every fill that
+// uses it. Consecutive elements of one clip share a group that clips them, around their
+// style groups; each clip is written once as a clipPath (device space) and shared by every
+// group that uses it. Nothing is drawn through an empty clip.
 #ifndef SVGMODULE_FAITHFUL_DEVICESVG_H
 #define SVGMODULE_FAITHFUL_DEVICESVG_H
 
@@ -37,14 +40,16 @@ class DeviceSvg : public DrawSink {
     // An image: written once into the definitions (by its content), then placed by a use
     // element with its own transform (DeviceSvgImage.cpp).
     void DrawImage(const ImageOp& op) override;
+    void SetClip(std::shared_ptr<const Clip> clip) override;
 
     // Where the body stands, to return to when a record's drawing passed the limit.
     struct Mark {
         size_t size = 0;
         bool groupOpen = false;
         QByteArray group;
+        int clipGroup = 0;
     };
-    Mark GetMark() const { return {m_body.size(), m_groupOpen, m_group}; }
+    Mark GetMark() const { return {m_body.size(), m_groupOpen, m_group, m_clipGroup}; }
     void Rewind(const Mark& mark);
 
     // The bounds of everything drawn (device units); false when nothing was.
@@ -70,6 +75,12 @@ class DeviceSvg : public DrawSink {
     void AppendPathData(const Path& path);
     // The id of a linear gradient fill's gradient, written on first use.
     int GradientFor(const Fill& fill);
+    // Clipping (DeviceSvgClip.cpp). The id of the clip in force, its clipPath written on first
+    // use; 0 for none.
+    int ClipId();
+    // False when the clip lets nothing of `bounds` be drawn.
+    bool ClipShows(const RectF& bounds) const;
+    void CloseGroups();
 
     SvgBuffer m_body;
     bool m_groupOpen = false;
@@ -89,6 +100,19 @@ class DeviceSvg : public DrawSink {
     bool m_xlink = false;
     bool m_drawn = false;
     RectF m_bounds;
+    // The clip in force, the id of its clipPath (-1: not looked up yet), and the clip of the
+    // open clip group (0: none).
+    std::shared_ptr<const Clip> m_clip;
+    int m_clipId = 0;
+    int m_clipGroup = 0;
+    struct ClipDef {
+        std::shared_ptr<const Clip> clip;  // kept alive: no other clip takes its address
+        int id;
+        size_t offset;  // where the body held it
+    };
+    std::multimap<uint64_t, ClipDef> m_clips;  // by a hash of their rectangles
+    // Clips already looked up, by identity while they live, and their ids.
+    std::map<const Clip*, std::pair<std::weak_ptr<const Clip>, int>> m_clipIds;
 };
 
 }  // namespace faithful

@@ -5,6 +5,7 @@
 
 #include <QByteArray>
 #include <QImage>
+#include <QRegion>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -82,12 +83,20 @@ struct ImageOp {
     double opacity = 1;
 };
 
+// The clip in force: the device pixels drawing may touch, as whole device units (a pixel at
+// (x, y) covers x to x + 1). An empty region lets nothing be drawn.
+struct Clip {
+    QRegion region;
+};
+
 // Where a device context sends what it draws.
 class DrawSink {
   public:
     virtual ~DrawSink() = default;
     virtual void Draw(const DrawOp& op) = 0;
     virtual void DrawImage(const ImageOp&) {}
+    // The clip of everything drawn from now on; null: none. Called whenever it changes.
+    virtual void SetClip(std::shared_ptr<const Clip> clip) { (void)clip; }
 };
 
 }  // namespace faithful

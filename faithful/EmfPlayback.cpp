@@ -16,6 +16,8 @@ namespace {
 const double kPxPerMm = 96.0 / 25.4;
 // The header's optional szlMicrometers field, and the header size that holds it.
 const size_t kMicrometersOffset = 100;
+// The work the region operations may do, beyond four units per byte of the input.
+const uint64_t kRegionWork = uint64_t(1) << 22;
 
 bool Positive(double v) {
     return std::isfinite(v) && v > 0;
@@ -45,6 +47,7 @@ QByteArray EmfPlayer::Play(const unsigned char* data, uint64_t size) {
     InitEnhMetaHeader(header);
     SetupDevice(header, data, size);
     m_writer.SetLimit(OutputBudget(size));
+    m_dc.SetRegionBudget(kRegionWork + 4 * size);
     Walk(data, header);
     DrawPendingBitmaps();
     return Finish(header);
@@ -202,6 +205,15 @@ const EmfPlayer::Entry* EmfPlayer::EntryFor(uint32_t type) {
         {emr::CREATECOLORSPACEW, &P::OnCreateOther, 12},
         {emr::ALPHABLEND, &P::OnBitBlt, sizeof(tagEMRSTRETCHBLT)},
         {emr::TRANSPARENTBLT, &P::OnBitBlt, sizeof(tagEMRSTRETCHBLT)},
+        {emr::OFFSETCLIPRGN, &P::OnOffsetClipRgn, 16},
+        {emr::SETMETARGN, &P::OnSetMetaRgn, 8},
+        {emr::EXCLUDECLIPRECT, &P::OnClipRect, 24},
+        {emr::INTERSECTCLIPRECT, &P::OnClipRect, 24},
+        {emr::FILLRGN, &P::OnDrawRegion, 40},
+        {emr::FRAMERGN, &P::OnDrawRegion, 40},
+        {emr::INVERTRGN, &P::OnDrawRegion, 40},
+        {emr::PAINTRGN, &P::OnDrawRegion, 40},
+        {emr::EXTSELECTCLIPRGN, &P::OnExtSelectClipRgn, 16},
     };
     static const std::array<Entry, 128> table = [] {
         std::array<Entry, 128> entries{};

@@ -101,6 +101,12 @@ class EmfPlayer {
 
     // Gradient fills (EmfPlaybackGradient.cpp).
     void OnGradientFill(unsigned char* r, uint32_t size);
+    // Clipping and regions (EmfPlaybackClip.cpp).
+    void OnClipRect(unsigned char* r, uint32_t size);  // INTERSECTCLIPRECT, EXCLUDECLIPRECT
+    void OnOffsetClipRgn(unsigned char* r, uint32_t size);
+    void OnSetMetaRgn(unsigned char* r, uint32_t size);
+    void OnExtSelectClipRgn(unsigned char* r, uint32_t size);
+    void OnDrawRegion(unsigned char* r, uint32_t size);  // FILLRGN, FRAMERGN, INVERTRGN, PAINTRGN
 
     // Path brackets (EmfPlaybackPaths.cpp).
     void OnPathRecord(unsigned char* r, uint32_t size);
@@ -147,6 +153,10 @@ enum : uint32_t {
     SETTEXTALIGN = 22,
     SETTEXTCOLOR = 24,
     SETBKCOLOR = 25,
+    OFFSETCLIPRGN = 26,
+    SETMETARGN = 28,
+    EXCLUDECLIPRECT = 29,
+    INTERSECTCLIPRECT = 30,
     MOVETOEX = 27,
     SCALEVIEWPORTEXTEX = 31,
     SCALEWINDOWEXTEX = 32,
@@ -181,6 +191,11 @@ enum : uint32_t {
     WIDENPATH = 66,
     SELECTCLIPPATH = 67,
     ABORTPATH = 68,
+    FILLRGN = 71,
+    FRAMERGN = 72,
+    INVERTRGN = 73,
+    PAINTRGN = 74,
+    EXTSELECTCLIPRGN = 75,
     BITBLT = 76,
     STRETCHBLT = 77,
     MASKBLT = 78,

@@ -18,6 +18,8 @@ namespace {
 // placeable header to say it in).
 const double kPxPerInch = 96;
 const double kDefaultUnitsPerInch = 1440;
+// The work the region operations may do, beyond four units per byte of the input.
+const uint64_t kRegionWork = uint64_t(1) << 22;
 
 uint16_t Word(const unsigned char* p) {
     uint16_t v;
@@ -83,6 +85,7 @@ int WmfPlayer::Play(const unsigned char* data, uint64_t size, QByteArray& out) {
     m_dc.SetObjectTableSize(header.mtNoObjects);
     SetupDevice(isPlaceable ? &placeable : nullptr, data, begin, end);
     m_writer.SetLimit(OutputBudget(size));
+    m_dc.SetRegionBudget(kRegionWork + 4 * size);
     Walk(data, begin, end);
     DrawPendingBitmaps();
     QByteArray svg = Finish();
@@ -231,7 +234,7 @@ const WmfPlayer::Entry* WmfPlayer::EntryFor(uint16_t function) {
         {meta::ROUNDRECT, &P::OnRoundRect, words(6)},
         {meta::PATBLT, &P::OnPatBlt, words(6)},
         {meta::CREATEBITMAP, &P::OnCreateOther, words(0)},
-        {meta::CREATEREGION, &P::OnCreateOther, words(0)},
+        {meta::CREATEREGION, &P::OnCreateRegion, words(8)},
         {meta::ARC, &P::OnArc, words(8)},
         {meta::PIE, &P::OnArc, words(8)},
         {meta::CHORD, &P::OnArc, words(8)},
@@ -241,6 +244,14 @@ const WmfPlayer::Entry* WmfPlayer::EntryFor(uint16_t function) {
         {meta::DIBSTRETCHBLT, &P::OnBitBlt, words(11)},
         {meta::SETDIBTODEV, &P::OnStretchDib, words(9)},
         {meta::STRETCHDIB, &P::OnStretchDib, words(11)},
+        {meta::INVERTREGION, &P::OnDrawRegion, words(1)},
+        {meta::PAINTREGION, &P::OnDrawRegion, words(1)},
+        {meta::SELECTCLIPREGION, &P::OnSelectClipRegion, words(1)},
+        {meta::OFFSETCLIPRGN, &P::OnOffsetClipRgn, words(2)},
+        {meta::FILLREGION, &P::OnDrawRegion, words(2)},
+        {meta::EXCLUDECLIPRECT, &P::OnClipRect, words(4)},
+        {meta::INTERSECTCLIPRECT, &P::OnClipRect, words(4)},
+        {meta::FRAMEREGION, &P::OnDrawRegion, words(4)},
     };
     static const std::array<Entry, 0x1000> table = [] {
         std::array<Entry, 0x1000> entries{};

@@ -102,6 +102,14 @@ class WmfPlayer {
     // Draws the bit blocks that wait for a partner, at the end of the records.
     void DrawPendingBitmaps();
 
+    // Clipping and regions (WmfPlaybackClip.cpp).
+    void OnCreateRegion(unsigned char* r, uint32_t size);
+    void OnClipRect(unsigned char* r, uint32_t size);  // INTERSECTCLIPRECT, EXCLUDECLIPRECT
+    void OnOffsetClipRgn(unsigned char* r, uint32_t size);
+    void OnSelectClipRegion(unsigned char* r, uint32_t size);
+    // FILLREGION, FRAMEREGION, INVERTREGION, PAINTREGION
+    void OnDrawRegion(unsigned char* r, uint32_t size);
+
     DeviceSvg m_writer;
     DeviceContext m_dc;
     records::RecordBuffer m_copy;
@@ -174,6 +182,14 @@ enum : uint16_t {
     DIBSTRETCHBLT = 0x0B41,
     SETDIBTODEV = 0x0D33,
     STRETCHDIB = 0x0F43,
+    INVERTREGION = 0x012A,
+    PAINTREGION = 0x012B,
+    SELECTCLIPREGION = 0x012C,
+    OFFSETCLIPRGN = 0x0220,
+    FILLREGION = 0x0228,
+    EXCLUDECLIPRECT = 0x0415,
+    INTERSECTCLIPRECT = 0x0416,
+    FRAMEREGION = 0x0429,
 };
 }  // namespace meta
 
