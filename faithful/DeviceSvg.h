@@ -34,6 +34,8 @@ class DeviceSvg : public DrawSink {
     void SetLimit(size_t limit);
 
     void Draw(const DrawOp& op) override;
+    // Text as an SVG text element (DeviceSvgText.cpp).
+    void DrawText(const TextOp& op) override;
 
     // Where the body stands, to return to when a record's drawing passed the limit.
     struct Mark {
@@ -65,6 +67,9 @@ class DeviceSvg : public DrawSink {
     // encoding budget lasts; -1 once it is spent.
     int ImagePattern(const Fill& fill);
     void AppendPathData(const Path& path);
+    // The id of a text's clipping path, written on first use (DeviceSvgText.cpp).
+    int TextClipFor(const Path& clip);
+    std::map<QByteArray, int> m_textClips;
 
     SvgBuffer m_body;
     bool m_groupOpen = false;

@@ -193,6 +193,9 @@ const EmfPlayer::Entry* EmfPlayer::EntryFor(uint32_t type) {
         {emr::EXTCREATEPEN, &P::OnExtCreatePen, sizeof(tagEMREXTCREATEPEN)},
         {emr::CREATECOLORSPACE, &P::OnCreateOther, 12},
         {emr::CREATECOLORSPACEW, &P::OnCreateOther, 12},
+        {emr::POLYTEXTOUTA, &P::OnPolyTextOut, 40},
+        {emr::POLYTEXTOUTW, &P::OnPolyTextOut, 40},
+        {emr::SMALLTEXTOUT, &P::OnSmallTextOut, sizeof(tagEMRSMALLTEXTOUT)},
     };
     static const std::array<Entry, 128> table = [] {
         std::array<Entry, 128> entries{};

@@ -89,8 +89,12 @@ class EmfPlayer {
     void OnSetPixel(unsigned char* r, uint32_t size);
     void OnBitBlt(unsigned char* r, uint32_t size);  // drawn only when it needs no bitmap
 
-    // Text (EmfPlaybackText.cpp): the opaque rectangle only, so far.
-    void OnExtTextOut(unsigned char* r, uint32_t size);
+    // Text (EmfPlaybackText.cpp).
+    void OnExtTextOut(unsigned char* r, uint32_t size);   // EMR_EXTTEXTOUTA, EXTTEXTOUTW
+    void OnPolyTextOut(unsigned char* r, uint32_t size);  // EMR_POLYTEXTOUTA, POLYTEXTOUTW
+    void OnSmallTextOut(unsigned char* r, uint32_t size);
+    // Draws the EMRTEXT at byte `at` of the record (its 40 bytes inside the record).
+    void DrawEmrText(const unsigned char* r, uint32_t size, size_t at, bool wide);
 
     // Path brackets (EmfPlaybackPaths.cpp).
     void OnPathRecord(unsigned char* r, uint32_t size);
@@ -187,6 +191,9 @@ enum : uint32_t {
     CREATEDIBPATTERNBRUSHPT = 94,
     EXTCREATEPEN = 95,
     CREATECOLORSPACE = 99,
+    POLYTEXTOUTA = 96,
+    POLYTEXTOUTW = 97,
+    SMALLTEXTOUT = 108,
     CREATECOLORSPACEW = 122,
 };
 }  // namespace emr

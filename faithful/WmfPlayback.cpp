@@ -238,6 +238,8 @@ const WmfPlayer::Entry* WmfPlayer::EntryFor(uint16_t function) {
         {meta::DIBBITBLT, &P::OnBitBlt, words(11)},
         {meta::STRETCHBLT, &P::OnBitBlt, words(11)},
         {meta::DIBSTRETCHBLT, &P::OnBitBlt, words(11)},
+        {meta::TEXTOUT, &P::OnTextOut, words(1)},
+        {meta::EXTTEXTOUT, &P::OnExtTextOut, words(4)},
     };
     static const std::array<Entry, 0x1000> table = [] {
         std::array<Entry, 0x1000> entries{};

@@ -99,6 +99,10 @@ class WmfPlayer {
     // The bit-block records: drawn only in their form without a bitmap, as a pattern block.
     void OnBitBlt(unsigned char* r, uint32_t size);
 
+    // Text (WmfPlaybackText.cpp).
+    void OnTextOut(unsigned char* r, uint32_t size);
+    void OnExtTextOut(unsigned char* r, uint32_t size);
+
     DeviceSvg m_writer;
     DeviceContext m_dc;
     records::RecordBuffer m_copy;
@@ -169,6 +173,8 @@ enum : uint16_t {
     DIBBITBLT = 0x0940,
     STRETCHBLT = 0x0B23,
     DIBSTRETCHBLT = 0x0B41,
+    TEXTOUT = 0x0521,
+    EXTTEXTOUT = 0x0A32,
 };
 }  // namespace meta
 
