@@ -289,7 +289,7 @@ void DeviceContext::ExtTextOut(const TextCall& call) {
     }
     op.family = FontFamily(font);
     op.weight =
-        font.weight <= 0 ? 400 : std::max(100, std::min(900, (font.weight + 50) / 100 * 100));
+        font.weight <= 0 ? 400 : (std::min(900, std::max(100, font.weight)) + 50) / 100 * 100;
     op.italic = font.italic;
     op.underline = font.underline;
     op.strikeOut = font.strikeOut;
