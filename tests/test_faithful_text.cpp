@@ -243,6 +243,20 @@ TEST(FaithfulText, Records) {
           "<clipPath id=\"t1\"><path d=\"M0 0H30V30H0Z\"/></clipPath>",
           "<text clip-path=\"url(#t1)\" x=\"10 15 21\" y=\"30.8\" "
           "xml:space=\"preserve\">&lt;&amp;&gt;</text>"}},
+        {"rotated line",
+         Emf()
+             .record(82, U32s({1}).append(LogFontW(-12, 900, 400, "Arial")))
+             .record(EMR_SELECTOBJECT, U32s({1}))
+             .record(EMR_EXTTEXTOUTW, extText(2, "ab", 0, {5, 6}))
+             .build(),
+         {"<text transform=\"translate(10 20) rotate(-90)\" x=\"0 5\" y=\"10.8\""}},
+        {"hostile font: no face, extreme height, escapement and weight",
+         Emf()
+             .record(82, U32s({1}).append(LogFontW(INT32_MIN, INT32_MIN, INT32_MAX, "")))
+             .record(EMR_SELECTOBJECT, U32s({1}))
+             .record(EMR_EXTTEXTOUTW, extText(2, "ab", 0, {INT32_MAX, INT32_MAX}))
+             .build(),
+         {"font-family=\"sans-serif\"", "font-weight=\"900\"", ">ab</text>"}},
         {"characters past the record, advances cut",
          Emf().record(EMR_EXTTEXTOUTW, extText(1000000, "abcd", 0, {1, 2})).build(),
          {"<g fill=\"#fff\">", "x=\"10 11\"", ">ab</text>"}},
