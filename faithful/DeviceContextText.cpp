@@ -199,8 +199,32 @@ const char* GenericFamily(const LogFont& font) {
 
 }  // namespace
 
+namespace {
+
+// Faces of the recording systems and the faces with the same advance widths that viewers
+// elsewhere have, tried before the generic family (whose own face could be much wider).
+const struct {
+    const char* face;
+    const char* sameMetrics;
+} kMetricFaces[] = {
+    {"times new roman", "'Liberation Serif', 'Nimbus Roman', 'Tinos'"},
+    {"times", "'Liberation Serif', 'Nimbus Roman', 'Tinos'"},
+    {"arial", "'Liberation Sans', 'Nimbus Sans', 'Arimo'"},
+    {"helvetica", "'Liberation Sans', 'Nimbus Sans', 'Arimo'"},
+    {"arial narrow", "'Liberation Sans Narrow', 'Nimbus Sans Narrow'"},
+    {"courier new", "'Liberation Mono', 'Nimbus Mono PS', 'Cousine'"},
+    {"courier", "'Liberation Mono', 'Nimbus Mono PS', 'Cousine'"},
+    {"calibri", "'Carlito'"},
+    {"cambria", "'Caladea'"},
+    {"bookman old style", "'URW Bookman'"},
+    {"century schoolbook", "'C059'"},
+    {"book antiqua", "'P052'"},
+    {"palatino linotype", "'P052'"},
+    {"century gothic", "'URW Gothic'"},
+};
+
 // The font-family list of a logical font: its face (only letters, digits, spaces and
-// "-_." kept, so it needs no escaping), then the generic family.
+// "-_." kept, so it needs no escaping), faces of the same metrics, then the generic family.
 QString FontFamily(const LogFont& font) {
     QString face;
     for (QChar c : font.faceName.left(32))
@@ -209,8 +233,15 @@ QString FontFamily(const LogFont& font) {
             face.append(c);
     face = face.trimmed();
     const QString generic = QLatin1String(GenericFamily(font));
-    return face.isEmpty() ? generic : QLatin1Char('\'') + face + QLatin1String("', ") + generic;
+    if (face.isEmpty()) return generic;
+    QString list = QLatin1Char('\'') + face + QLatin1String("', ");
+    for (const auto& m : kMetricFaces)
+        if (face.compare(QLatin1String(m.face), Qt::CaseInsensitive) == 0)
+            list += QLatin1String(m.sameMetrics) + QLatin1String(", ");
+    return list + generic;
 }
+
+}  // namespace
 
 void DeviceContext::DecodeAnsi(const unsigned char* bytes, size_t count, const PointF* advances,
                                TextCall& call) const {
