@@ -310,6 +310,9 @@ class DeviceContext {
         std::vector<PointF> advances;  // empty, or one per code unit of `text`
         uint32_t options = 0;
         RectF rect;
+        // The record's compatible graphics mode: the world transform moves the reference point
+        // and scales the text but does not turn or shear its glyphs.
+        bool compatible = false;
     };
     void ExtTextOut(const TextCall& call);
     // Decodes 8-bit characters by the selected font's character set into `call.text`;

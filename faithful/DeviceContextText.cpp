@@ -298,7 +298,14 @@ void DeviceContext::ExtTextOut(const TextCall& call) {
     const double esc = (font.escapement % 3600) / 10.0 * kPi / 180;
     const PointF along{std::cos(esc), -std::sin(esc)};
     const PointF across{std::sin(esc), std::cos(esc)};
-    const PointF alongDev = toDevice.MapVector(along), acrossDev = toDevice.MapVector(across);
+    // What turns the line and its glyphs: the whole mapping, or in the compatible mode the
+    // page mapping scaled by the world transform's mean scale.
+    Matrix orient = toDevice, inverseWorld;
+    if (call.compatible && m_state.world.Invert(inverseWorld)) {
+        const double k = std::sqrt(std::fabs(m_state.world.Determinant()));
+        orient = Matrix::Scale(k, k).Then(inverseWorld.Then(toDevice));
+    }
+    const PointF alongDev = orient.MapVector(along), acrossDev = orient.MapVector(across);
     const double alongScale = std::hypot(alongDev.x, alongDev.y);
     const double acrossScale = std::hypot(acrossDev.x, acrossDev.y);
     if (!(alongScale > 0) || !(acrossScale > 0) || !std::isfinite(alongScale * acrossScale)) return;
@@ -356,7 +363,7 @@ void DeviceContext::ExtTextOut(const TextCall& call) {
         }
         if (placed) {
             // The advances so far, logical (along the line, and along y), in text space.
-            const PointF v = toDevice.MapVector({along.x * at.x, along.y * at.x + at.y});
+            const PointF v = orient.MapVector({along.x * at.x, along.y * at.x + at.y});
             op.positions.push_back(
                 {(v.x * xAxis.x + v.y * xAxis.y) / op.stretch, v.x * yAxis.x + v.y * yAxis.y});
         }

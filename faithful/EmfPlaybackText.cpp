@@ -14,6 +14,9 @@ const uint32_t ETO_PDY = 0x2000, ETO_NO_RECT = 0x100, ETO_SMALL_CHARS = 0x200;
 const size_t kEmrText = 36, kPolyCount = 36, kPolyTexts = 40, kEmrTextSize = 40;
 // EMR_SMALLTEXTOUT's fields.
 const size_t kSmallCount = 16, kSmallOptions = 20, kSmallRect = 36;
+// The graphics mode of every text record, and its compatible mode.
+const size_t kGraphicsMode = 24;
+const uint32_t GM_COMPATIBLE = 1;
 
 RectF RectAt(const unsigned char* r, size_t offset) {
     return {(double)SignedField32(r, offset), (double)SignedField32(r, offset + 4),
@@ -41,6 +44,7 @@ void EmfPlayer::DrawEmrText(const unsigned char* r, uint32_t size, size_t at, bo
     call.reference = {(double)SignedField32(r, at), (double)SignedField32(r, at + 4)};
     call.options = Field32(r, at + 16);
     call.rect = RectAt(r, at + 20);
+    call.compatible = Field32(r, kGraphicsMode) == GM_COMPATIBLE;
     const uint32_t declared = Field32(r, at + 8), offString = Field32(r, at + 12),
                    offDx = Field32(r, at + 36);
     uint32_t count = records::FitCount(declared, offString, wide ? 2 : 1, size);
@@ -73,6 +77,7 @@ void EmfPlayer::OnSmallTextOut(unsigned char* r, uint32_t size) {
     DeviceContext::TextCall call;
     call.reference = {(double)SignedField32(r, 8), (double)SignedField32(r, 12)};
     call.options = Field32(r, kSmallOptions);
+    call.compatible = Field32(r, kGraphicsMode) == GM_COMPATIBLE;
     size_t offset = kSmallRect;
     if (!(call.options & ETO_NO_RECT)) {
         if (!records::Fits(offset, 16, size)) return;
