@@ -167,6 +167,12 @@ TEST(FaithfulText, Records) {
          inFont(LogFontW(INT32_MIN, INT32_MIN, INT32_MAX, ""),
                 extText(2, "ab", 0, {INT32_MAX, INT32_MAX})),
          {"font-family=\"sans-serif\"", "font-weight=\"900\"", ">ab</text>"}},
+        {"turned world, compatible mode: the glyphs stay upright",
+         Emf()
+             .record(35, Bytes().f32(0).f32(1).f32(-1).f32(0).f32(0).f32(0))
+             .record(EMR_EXTTEXTOUTW, extText(2, "ab", 0, {5, 6}))
+             .build(),
+         {"<text x=\"-20 -15\" y=\"21.7\""}},
         {"characters past the record, advances cut",
          Emf().record(EMR_EXTTEXTOUTW, extText(1000000, "abcd", 0, {1, 2})).build(),
          {"<g fill=\"#fff\">", "x=\"10 11\"", ">ab</text>"}},
