@@ -356,6 +356,29 @@ class DeviceContext {
     void DrawBitmap(const BitmapBlt& blt);
     void FlushBitmaps();
 
+    // --- text (DeviceContextText.cpp) ------------------------------------------------------
+    // One text record in logical coordinates: the characters as UTF-16, one advance per
+    // code unit (x along the baseline, y across it with ETO_PDY) or none, the ETO_* options
+    // and their rectangle. Draws the opaque rectangle, the background of the text cells in
+    // the opaque background mode, then the characters, and moves the current position under
+    // TA_UPDATECP.
+    struct TextCall {
+        PointF reference;
+        QString text;
+        std::vector<PointF> advances;  // empty, or one per code unit of `text`
+        uint32_t options = 0;
+        RectF rect;
+        // The record's compatible graphics mode: the world transform moves the reference point
+        // and scales the text but does not turn or shear its glyphs.
+        bool compatible = false;
+    };
+    void ExtTextOut(const TextCall& call);
+    // Decodes 8-bit characters by the selected font's character set into `call.text`;
+    // `advances` (one per byte, or null) become one per code unit, the bytes of a character
+    // adding up.
+    void DecodeAnsi(const unsigned char* bytes, size_t count, const PointF* advances,
+                    TextCall& call) const;
+
     // --- path bracket ----------------------------------------------------------------------
     void BeginPath();  // discards an earlier path; drawing calls then add to the path
     void EndPath();
@@ -438,6 +461,11 @@ class DeviceContext {
     double DeviceLength(double logical) const;
     Fill BrushFill(const LogBrush& brush) const;
     void UsePath(bool fill, bool stroke);
+
+    // Text helpers (DeviceContextText.cpp).
+    // Fills the text cells from `left` to `right` (text space) around the baseline at y =
+    // `baseline` with the background colour.
+    void DrawTextCells(const TextOp& op, double left, double right, double baseline);
 
     DcState m_state;
     std::vector<DcState> m_saved;

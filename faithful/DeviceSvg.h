@@ -41,6 +41,8 @@ class DeviceSvg : public DrawSink {
     // element with its own transform (DeviceSvgImage.cpp).
     void DrawImage(const ImageOp& op) override;
     void SetClip(std::shared_ptr<const Clip> clip) override;
+    // Text as an SVG text element (DeviceSvgText.cpp).
+    void DrawText(const TextOp& op) override;
 
     // Where the body stands, to return to when a record's drawing passed the limit.
     struct Mark {
@@ -81,6 +83,9 @@ class DeviceSvg : public DrawSink {
     // False when the clip lets nothing of `bounds` be drawn.
     bool ClipShows(const RectF& bounds) const;
     void CloseGroups();
+    // The id of a text's clipping path, written on first use (DeviceSvgText.cpp).
+    int TextClipFor(const Path& clip);
+    std::map<QByteArray, int> m_textClips;
 
     SvgBuffer m_body;
     bool m_groupOpen = false;

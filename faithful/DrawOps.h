@@ -6,6 +6,7 @@
 #include <QByteArray>
 #include <QImage>
 #include <QRegion>
+#include <QString>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -89,6 +90,28 @@ struct Clip {
     QRegion region;
 };
 
+// One line of text, placed in its own text space: x along the baseline, y down across it, the
+// reference point at the origin. Text space maps to device space by the font's horizontal
+// `stretch`, then a rotation by `angle` degrees (clockwise as seen, y down), then a move to
+// `origin`.
+struct TextOp {
+    enum class Anchor : uint8_t { Start, Middle, End };
+    QString text;  // only characters XML allows
+    // One position per character (a surrogate pair counts once), in text space; empty: the
+    // text flows from the origin as the viewer's font places it.
+    std::vector<PointF> positions;
+    PointF origin;
+    double angle = 0;
+    double stretch = 1;
+    Anchor anchor = Anchor::Start;  // for text that flows
+    double size = 12;               // the em, in text-space units
+    QString family;                 // a CSS font-family list, quoted as CSS needs
+    int weight = 400;               // 100 to 900
+    bool italic = false, underline = false, strikeOut = false;
+    Rgb color = 0;
+    Path clip;  // device space; empty: not clipped
+};
+
 // Where a device context sends what it draws.
 class DrawSink {
   public:
@@ -97,6 +120,7 @@ class DrawSink {
     virtual void DrawImage(const ImageOp&) {}
     // The clip of everything drawn from now on; null: none. Called whenever it changes.
     virtual void SetClip(std::shared_ptr<const Clip> clip) { (void)clip; }
+    virtual void DrawText(const TextOp&) {}
 };
 
 }  // namespace faithful

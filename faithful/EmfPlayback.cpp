@@ -214,6 +214,9 @@ const EmfPlayer::Entry* EmfPlayer::EntryFor(uint32_t type) {
         {emr::INVERTRGN, &P::OnDrawRegion, 40},
         {emr::PAINTRGN, &P::OnDrawRegion, 40},
         {emr::EXTSELECTCLIPRGN, &P::OnExtSelectClipRgn, 16},
+        {emr::POLYTEXTOUTA, &P::OnPolyTextOut, 40},
+        {emr::POLYTEXTOUTW, &P::OnPolyTextOut, 40},
+        {emr::SMALLTEXTOUT, &P::OnSmallTextOut, sizeof(tagEMRSMALLTEXTOUT)},
     };
     static const std::array<Entry, 128> table = [] {
         std::array<Entry, 128> entries{};

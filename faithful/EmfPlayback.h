@@ -96,8 +96,12 @@ class EmfPlayer {
     // Draws the bit blocks that wait for a partner, at the end of the records.
     void DrawPendingBitmaps();
 
-    // Text (EmfPlaybackText.cpp): the opaque rectangle only, so far.
-    void OnExtTextOut(unsigned char* r, uint32_t size);
+    // Text (EmfPlaybackText.cpp).
+    void OnExtTextOut(unsigned char* r, uint32_t size);   // EMR_EXTTEXTOUTA, EXTTEXTOUTW
+    void OnPolyTextOut(unsigned char* r, uint32_t size);  // EMR_POLYTEXTOUTA, POLYTEXTOUTW
+    void OnSmallTextOut(unsigned char* r, uint32_t size);
+    // Draws the EMRTEXT at byte `at` of the record (its 40 bytes inside the record).
+    void DrawEmrText(const unsigned char* r, uint32_t size, size_t at, bool wide);
 
     // Gradient fills (EmfPlaybackGradient.cpp).
     void OnGradientFill(unsigned char* r, uint32_t size);
@@ -220,6 +224,9 @@ enum : uint32_t {
     ALPHABLEND = 114,
     TRANSPARENTBLT = 116,
     GRADIENTFILL = 118,
+    POLYTEXTOUTA = 96,
+    POLYTEXTOUTW = 97,
+    SMALLTEXTOUT = 108,
     CREATECOLORSPACEW = 122,
 };
 }  // namespace emr

@@ -252,6 +252,8 @@ const WmfPlayer::Entry* WmfPlayer::EntryFor(uint16_t function) {
         {meta::EXCLUDECLIPRECT, &P::OnClipRect, words(4)},
         {meta::INTERSECTCLIPRECT, &P::OnClipRect, words(4)},
         {meta::FRAMEREGION, &P::OnDrawRegion, words(4)},
+        {meta::TEXTOUT, &P::OnTextOut, words(1)},
+        {meta::EXTTEXTOUT, &P::OnExtTextOut, words(4)},
     };
     static const std::array<Entry, 0x1000> table = [] {
         std::array<Entry, 0x1000> entries{};

@@ -110,6 +110,10 @@ class WmfPlayer {
     // FILLREGION, FRAMEREGION, INVERTREGION, PAINTREGION
     void OnDrawRegion(unsigned char* r, uint32_t size);
 
+    // Text (WmfPlaybackText.cpp).
+    void OnTextOut(unsigned char* r, uint32_t size);
+    void OnExtTextOut(unsigned char* r, uint32_t size);
+
     DeviceSvg m_writer;
     DeviceContext m_dc;
     records::RecordBuffer m_copy;
@@ -190,6 +194,8 @@ enum : uint16_t {
     EXCLUDECLIPRECT = 0x0415,
     INTERSECTCLIPRECT = 0x0416,
     FRAMEREGION = 0x0429,
+    TEXTOUT = 0x0521,
+    EXTTEXTOUT = 0x0A32,
 };
 }  // namespace meta
 
