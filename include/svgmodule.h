@@ -4,7 +4,8 @@
 //    1  EMF converted            2  WMF converted
 //    0  nothing converted (empty, too short, unreadable file)
 //   -1  an exception ended the conversion
-//   -2  the EMF header's byte count differs from the size given
+//   -2  the EMF header's byte count differs from the size given (the faithful mode draws
+//       such a file from the records within both, with a warning, and returns 1)
 //   -3  the WMF header was refused
 // `out` receives the SVG document as UTF-8 only when a converter has run; on every refusal it
 // keeps what the caller put in it.
@@ -15,7 +16,7 @@
 // from any language that can call C, and offers:
 //   - the mode: SVGMODULE_MODE_CONTRACT (the same output as ConvertMetaFileToSVG), or
 //     SVGMODULE_MODE_FAITHFUL, which draws what the system that recorded the file would have
-//     drawn (in development);
+//     drawn (EMF+ records are not drawn; see notes);
 //   - client repairs, applied to the document after either mode, so that it opens in every SVG
 //     client (SVGMODULE_REPAIR_* bits; none by default);
 //   - a diagnostic name: while the call runs, every diagnostic line the library writes on its
