@@ -79,6 +79,11 @@ struct Has {
     const char* text;
     int count;
 };
+// What a document holds: one fragment, or several with their counts.
+struct Expect : std::vector<Has> {
+    Expect(const char* one) : std::vector<Has>{Has(one)} {}
+    Expect(std::initializer_list<Has> all) : std::vector<Has>(all) {}
+};
 
 LogFont Font(int32_t height, const char* face = "Arial", uint8_t charSet = 0, int esc = 0) {
     LogFont f;
@@ -651,13 +656,11 @@ TEST(FaithfulEmf, EndToEnd) {
     };
     const Bytes pixels = Bytes().u32(0x00FF0000).u32(0x0000FF00);  // 2 x 1, 32 bits
     const Bytes rle = Bytes().u32(40).i32(60000).i32(60000).u16(1).u16(8).u32(1).zeros(20);
-    const auto paths = [](int n) { return std::vector<Has>{{"<path d=", n}}; };
-    const auto images = [](int n, int uses) {
-        return std::vector<Has>{{"<image", n}, {"<use", uses}};
-    };
+    const auto paths = [](int n) { return Expect{{"<path d=", n}}; };
+    const auto images = [](int n, int uses) { return Expect{{"<image", n}, {"<use", uses}}; };
     const struct {
         const char* name;
-        std::vector<Has> has;
+        Expect has;
         File file;
     } rows[] = {
         {"document",
@@ -665,19 +668,17 @@ TEST(FaithfulEmf, EndToEnd) {
           "height=\"118.11\" viewBox=\"0 0 100 100\" preserveAspectRatio=\"none\" "
           "fill=\"none\" stroke-linecap=\"round\" stroke-linejoin=\"round\">\n</svg>\n"},
          Emf()},
-        {"polyline halved",
-         {"<g stroke=\"#000\">\n<path d=\"M5 10 20 30\"/>\n</g>\n"},
+        {"polyline halved", "<g stroke=\"#000\">\n<path d=\"M5 10 20 30\"/>\n</g>\n",
          Records({R(EMR_POLYLINE16, U32s({0, 0, 0, 0, 2}).append(Points16({{10, 20}, {40, 60}})))},
                  halved)},
         {"rectangle, white brush",
-         {"<g fill=\"#fff\" stroke=\"#000\">\n<path d=\"M5 10H25V30H5Z\"/>"},
+         "<g fill=\"#fff\" stroke=\"#000\">\n<path d=\"M5 10H25V30H5Z\"/>",
          Records({R(EMR_RECTANGLE, box)}, halved)},
         {"hatched brush, opaque",
          {"fill=\"#fff\"/><path d=\"M0 3.5 8 3.5M3.5 0 3.5 8\" stroke=\"#f00\"", "url(#p1)"},
          Records({R(EMR_CREATEBRUSHINDIRECT, U32s({1, 2, 0x0000FF, 4})), select,
                   R(EMR_RECTANGLE, box)})},
-        {"path bracket filled",
-         {"<g fill=\"#fff\">\n<path d=\"M0 0H10V10Z\"/>"},
+        {"path bracket filled", "<g fill=\"#fff\">\n<path d=\"M0 0H10V10Z\"/>",
          Records({R(EMR_BEGINPATH), R(EMR_MOVETOEX, I32s({0, 0})), R(EMR_LINETO, I32s({10, 0})),
                   R(EMR_LINETO, I32s({10, 10})), R(EMR_CLOSEFIGURE), R(EMR_ENDPATH),
                   R(EMR_FILLPATH, none)})},
@@ -691,12 +692,10 @@ TEST(FaithfulEmf, EndToEnd) {
           "<g fill=\"#f00\">\n<path d=\"M5 5H6V6H5Z\"/>"},
          Records({R(EMR_BITBLT, EmfBlt(EMR_BITBLT, 10, 10, 20, 20, 0x42, Bytes(), Bytes())),
                   R(15, I32s({5, 5}).u32(0x0000FF))})},
-        {"widened path filled with the brush",
-         {"<g stroke=\"#fff\">\n<path d=\"M0 0 10 10\"/>"},
+        {"widened path filled with the brush", "<g stroke=\"#fff\">\n<path d=\"M0 0 10 10\"/>",
          Records({R(EMR_BEGINPATH), R(EMR_LINETO, I32s({10, 10})), R(EMR_ENDPATH), R(66),
                   R(EMR_FILLPATH, none)})},
-        {"opaque rectangle of a text record",
-         {"<g fill=\"#fff\">\n<path d=\"M1 2H3V4H1Z\"/>"},
+        {"opaque rectangle of a text record", "<g fill=\"#fff\">\n<path d=\"M1 2H3V4H1Z\"/>",
          Emf().record(EMR_EXTTEXTOUTW, U32s({0, 0, 0, 0, 1}).f32(1).f32(1).append(text))},
         {"monochrome brush",
          {"xmlns:xlink=",
@@ -725,19 +724,16 @@ TEST(FaithfulEmf, EndToEnd) {
                                {{0, 0, 0xFF00, 0, 0}, {10, 0, 0xFF00, 0, 0}, {0, 10, 0, 0xFF00, 0}},
                                {0, 1, 2}))},
         // Objects: stock ones (unknown ones change nothing), a deleted one that stays selected.
-        {"stock brush",
-         {"<g fill=\"#808080\" stroke=\"#000\">"},
+        {"stock brush", "<g fill=\"#808080\" stroke=\"#000\">",
          Records({R(EMR_SELECTOBJECT, U32s({0x80000002})), R(EMR_SELECTOBJECT, U32s({0x80000063})),
                   R(EMR_SELECTOBJECT, U32s({0xFFFFFFF0})), R(EMR_RECTANGLE, box)})},
         {"stock null pen and brush", paths(0),
          Records({R(EMR_SELECTOBJECT, U32s({0x80000005})), R(EMR_SELECTOBJECT, U32s({0x80000008})),
                   R(EMR_RECTANGLE, box)})},
-        {"deleted brush still selected",
-         {"<g fill=\"#0f0\" stroke=\"#000\">"},
+        {"deleted brush still selected", "<g fill=\"#0f0\" stroke=\"#000\">",
          Records({R(EMR_CREATEBRUSHINDIRECT, U32s({1, 0, 0x00FF00, 0})), select,
                   R(EMR_DELETEOBJECT, U32s({1})), R(EMR_RECTANGLE, box)})},
-        {"null pen dashes nothing",
-         {"\"round\">\n</svg>\n"},
+        {"null pen dashes nothing", "\"round\">\n</svg>\n",
          Records({R(EMR_CREATEPEN, U32s({1, 5, 0, 0, 0})), select, R(EMR_LINETO, I32s({10, 10}))})},
         // Text: escaping, clipping, arrays cut to the record, hostile fonts.
         {"text escaped, placed, clipped",
@@ -747,15 +743,14 @@ TEST(FaithfulEmf, EndToEnd) {
           "xml:space=\"preserve\">&lt;&amp;&gt;</text>"},
          {inFont(LogFontW(-12, 0, 700, "A&B<\"'"), extText(3, "<&>", 4, {5, 6, 7})), false}},
         {"rotated line of text",
-         {"<text transform=\"translate(10 20) rotate(-90)\" x=\"0 5\" y=\"10.8\""},
+         "<text transform=\"translate(10 20) rotate(-90)\" x=\"0 5\" y=\"10.8\"",
          inFont(LogFontW(-12, 900, 400, "Arial"), extText(2, "ab", 0, {5, 6}))},
         {"hostile font: no face, extreme height, escapement and weight",
          {"font-family=\"sans-serif\"", "font-weight=\"900\"", ">ab</text>"},
          {inFont(LogFontW(INT32_MIN, INT32_MIN, INT32_MAX, ""),
                  extText(2, "ab", 0, {INT32_MAX, INT32_MAX})),
           false}},
-        {"turned world, compatible mode: the glyphs stay upright",
-         {"<text x=\"-20 -15\" y=\"21.7\""},
+        {"turned world, compatible mode: the glyphs stay upright", "<text x=\"-20 -15\" y=\"21.7\"",
          Records({R(35, Bytes().f32(0).f32(1).f32(-1).f32(0).f32(0).f32(0)),
                   R(EMR_EXTTEXTOUTW, extText(2, "ab", 0, {5, 6}))})},
         {"characters past the record, advances cut",
@@ -776,8 +771,7 @@ TEST(FaithfulEmf, EndToEnd) {
         {"run-length claim past its bytes", images(0, 0),
          Records({dib(0, rle, Bytes().u32(0x01000204))})},
         // Hostile clip records: counts past the record, a region scan count past the record.
-        {"clip counts past the record",
-         {"<clipPath id=\"c1\"><path d=\"M0 0H9V9H0Z\"/>"},
+        {"clip counts past the record", "<clipPath id=\"c1\"><path d=\"M0 0H9V9H0Z\"/>",
          Records({R(75, U32s({48 + 16, 1}).append(RegionData({{0, 0, 9, 9}}, 0x7FFFFFFF))),
                   R(71, U32s({0, 0, 0, 0, 9999, 0x80000000}).append(RegionData({}, 1 << 30))),
                   line})},
