@@ -95,10 +95,7 @@ LogFont Font(int32_t height, const char* face = "Arial", uint8_t charSet = 0, in
 }
 
 void Select(DeviceContext& dc, const LogFont& f) {
-    GdiObject font;
-    font.kind = GdiObject::Kind::Font;
-    font.font = f;
-    dc.CreateObjectAt(1, font);
+    dc.CreateObjectAt(1, {GdiObject::Kind::Font, {}, {}, f});
     dc.SelectObject(1);
 }
 
@@ -298,10 +295,7 @@ TEST(FaithfulPens, Table) {
         TestDevice(dc);
         dc.SetMapMode(gdi::MM_ANISOTROPIC);
         dc.SetWindowExt(2, 2);
-        GdiObject o;
-        o.kind = GdiObject::Kind::Pen;
-        o.pen = row.pen;
-        dc.CreateObjectAt(1, o);
+        dc.CreateObjectAt(1, {GdiObject::Kind::Pen, row.pen});
         dc.SelectObject(1);
         dc.SetRop2(row.rop2);
         const Stroke s = dc.CurrentStroke();
