@@ -18,6 +18,7 @@
 
 #include "CLogSystem.h"
 #include "byteorder/BEndTools.h"
+#include "faithful/DrawOps.h"
 #include "svg/SVGWriter.h"
 #include "tests/MetafileBuilder.h"
 
@@ -57,6 +58,16 @@ constexpr char kDefaultStyle[] = " stroke=\"black\" stroke-width=\"1\" fill=\"no
 constexpr char kNoPen[] = "stroke=\"none\" stroke-width=\"1\"  fill=\"none\" ";
 // A line element with `style` before its end.
 QString Line(int x1, int y1, int x2, int y2, const QString& style = kDefaultStyle);
+
+// Keeps what the faithful interpreter's device context draws.
+struct Capture : faithful::DrawSink {
+    std::vector<faithful::DrawOp> ops;
+    std::vector<faithful::TextOp> texts;
+    std::vector<faithful::ImageOp> images;
+    void Draw(const faithful::DrawOp& op) override { ops.push_back(op); }
+    void DrawText(const faithful::TextOp& op) override { texts.push_back(op); }
+    void DrawImage(const faithful::ImageOp& op) override { images.push_back(op); }
+};
 
 // Collects the system-log lines while it lives, at the given level.
 class LogCapture {

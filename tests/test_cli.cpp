@@ -17,11 +17,18 @@ namespace {
 
 const char kXlink[] = "xmlns:xlink=\"http://www.w3.org/1999/xlink\"";
 
+// Every repair, and each flag alone (it changes what it names and nothing else).
 TEST(SvgRepair, DeclaresXlinkKeepsTheLastOfRepeatedAttributesAndReplacesForbiddenCharacters) {
-    const std::string x = kXlink;
+    const std::string x = kXlink, in = "<svg a=\"1\" a=\"2\">\x01</svg>";
     const struct {
         std::string in, out;
+        unsigned repairs = SVGMODULE_REPAIR_ALL;
     } cases[] = {
+        {in, in, 0},
+        {in, "<svg " + x + " a=\"1\" a=\"2\">\x01</svg>", SVGMODULE_REPAIR_XLINK},
+        {in, "<svg a=\"2\">\x01</svg>", SVGMODULE_REPAIR_REPEATED_ATTRIBUTES},
+        {in, "<svg a=\"1\" a=\"2\">\xEF\xBF\xBD</svg>", SVGMODULE_REPAIR_FORBIDDEN_CHARACTERS},
+        {in, "<svg " + x + " a=\"2\">\xEF\xBF\xBD</svg>"},
         {"<?xml version=\"1.0\"?> <svg width=\"1\" >\n</svg>\n",
          "<?xml version=\"1.0\"?> <svg " + x + " width=\"1\" >\n</svg>\n"},
         {"<svg>", "<svg " + x + ">"},
@@ -54,7 +61,7 @@ TEST(SvgRepair, DeclaresXlinkKeepsTheLastOfRepeatedAttributesAndReplacesForbidde
     };
     for (const auto& c : cases) {
         const QByteArray in = QByteArray::fromStdString(c.in);
-        EXPECT_EQ(RepairSvg(in).toStdString(), c.out) << c.in;
+        EXPECT_EQ(RepairSvg(in, c.repairs).toStdString(), c.out) << c.in << c.repairs;
     }
 }
 
@@ -130,14 +137,9 @@ class CommandLine : public ::testing::Test {
         QFile::copy(examples + "example.emf", In(QStringLiteral("a.emf")));
         QFile::copy(examples + "example.wmf", In(QStringLiteral("a.wmf")));
         QFile::copy(examples + "example.wmf", In(QStringLiteral("sub/b.WMF")));
-        QFile junk(In(QStringLiteral("sub/junk.emf")));
-        ASSERT_TRUE(junk.open(QIODevice::WriteOnly));
-        junk.write(QByteArray(40, 'x'));
-        junk.close();
+        ASSERT_TRUE(Write(In(QStringLiteral("sub/junk.emf")), QByteArray(40, 'x')));
         QFile::copy(examples + "example.emf", In(QStringLiteral("sub/notes.txt")));
-        QFile cut(m_dir.filePath(QStringLiteral("cut.emf")));
-        ASSERT_TRUE(cut.open(QIODevice::WriteOnly));
-        cut.write(Read(examples + "example.emf").chopped(4));
+        ASSERT_TRUE(Write(m_dir.filePath("cut.emf"), Read(examples + "example.emf").chopped(4)));
     }
     QString In(const QString& name) const { return m_dir.filePath("in/" + name); }
     QTemporaryDir m_dir;

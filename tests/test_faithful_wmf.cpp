@@ -87,25 +87,22 @@ TEST(FaithfulWmf, Page) {
     const Bytes window = YX(10, 20), drawing = Edges(10, 20, 110, 70);
     const struct {
         const char* name;
-        Wmf file;
         const char* page;  // width, height and view box
+        Wmf file;
     } rows[] = {
-        {"box", Wmf().placeable(0, 0, 2880, 1440, 1440), "192 96 0 0 192 96"},
-        {"box, its own window",
-         Wmf().placeable(-100, 50, 620, 770, 720).record(META_SETWINDOWEXT, YX(10, 10)),
-         "96 96 0 0 96 96"},
-        {"reversed box, no inch", Wmf().placeable(620, 770, -100, 50, 0), "48 48 0 0 48 48"},
-        {"window", Records({R(META_SETWINDOWORG, window), R(META_SETWINDOWEXT, YX(2880, -1440))}),
-         "192 96 0 0 192 96"},
-        {"first window extent with an area",
-         Records({R(META_SETWINDOWEXT, YX(0, 5)), R(META_SETWINDOWEXT, YX(1440, 720))}),
-         "96 48 0 0 96 48"},
-        {"empty box, window at its inch",
-         Wmf().placeable(5, 5, 5, 100, 720).record(META_SETWINDOWEXT, YX(720, 360)),
-         "96 48 0 0 96 48"},
-        {"no window: the drawing, its pen's half pixel included",
-         Wmf().record(META_RECTANGLE, drawing), "101 51 9.5 19.5 101 51"},
-        {"no window, no drawing", Wmf(), "1 1 0 0 1 1"},
+        {"box", "192 96 0 0 192 96", Wmf().placeable(0, 0, 2880, 1440, 1440)},
+        {"box, its own window", "96 96 0 0 96 96",
+         Wmf().placeable(-100, 50, 620, 770, 720).record(META_SETWINDOWEXT, YX(10, 10))},
+        {"reversed box, no inch", "48 48 0 0 48 48", Wmf().placeable(620, 770, -100, 50, 0)},
+        {"window", "192 96 0 0 192 96",
+         Records({R(META_SETWINDOWORG, window), R(META_SETWINDOWEXT, YX(2880, -1440))})},
+        {"first window extent with an area", "96 48 0 0 96 48",
+         Records({R(META_SETWINDOWEXT, YX(0, 5)), R(META_SETWINDOWEXT, YX(1440, 720))})},
+        {"empty box, window at its inch", "96 48 0 0 96 48",
+         Wmf().placeable(5, 5, 5, 100, 720).record(META_SETWINDOWEXT, YX(720, 360))},
+        {"no window: the drawing, its pen's half pixel included", "101 51 9.5 19.5 101 51",
+         Wmf().record(META_RECTANGLE, drawing)},
+        {"no window, no drawing", "1 1 0 0 1 1", Wmf()},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);

@@ -1,5 +1,5 @@
-// The options API: versioned options, mode dispatch, client repairs, the diagnostic name and
-// the C form's output.
+// The options API: versioned options, mode dispatch, the diagnostic name and the C form's
+// output (each repair flag alone: test_cli.cpp).
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -15,23 +15,6 @@
 namespace {
 
 using basic_logging::Level;
-
-// Each flag alone changes what it names and nothing else.
-TEST(ClientRepairs, EachFlagAlone) {
-    const QByteArray in("<svg a=\"1\" a=\"2\">\x01</svg>");
-    const char kXlink[] = "xmlns:xlink=\"http://www.w3.org/1999/xlink\" ";
-    const struct {
-        unsigned repairs;
-        QByteArray out;
-    } cases[] = {
-        {0, in},
-        {SVGMODULE_REPAIR_XLINK, "<svg " + QByteArray(kXlink) + "a=\"1\" a=\"2\">\x01</svg>"},
-        {SVGMODULE_REPAIR_REPEATED_ATTRIBUTES, "<svg a=\"2\">\x01</svg>"},
-        {SVGMODULE_REPAIR_FORBIDDEN_CHARACTERS, "<svg a=\"1\" a=\"2\">\xEF\xBF\xBD</svg>"},
-        {SVGMODULE_REPAIR_ALL, "<svg " + QByteArray(kXlink) + "a=\"2\">\xEF\xBF\xBD</svg>"},
-    };
-    for (const auto& c : cases) EXPECT_EQ(RepairSvg(in, c.repairs), c.out) << c.repairs;
-}
 
 // Both forms of svgmodule_convert, over options of every shape a host may pass (as a host
 // built against a longer header passes them: `extra` follows the fields this library knows):
