@@ -28,10 +28,15 @@ int Convert(const unsigned char* data, uint64_t size, QByteArray& out) {
         if (header.nBytes != size) {
             // The header's byte count and the file disagree (a file cut short, or data after
             // the metafile): a viewer draws the records that both hold.
-            if (header.nBytes < sizeof header) return -2;
-            const QByteArray line = "the EMF header declares " + QByteArray::number(header.nBytes) +
-                                    " bytes, the file has " + QByteArray::number(size) +
-                                    ": drawing the records within both";
+            if (header.nBytes < 88) return -2;  // less than the header without its extensions
+            const QByteArray file = QByteArray::number(static_cast<qulonglong>(size));
+            const QByteArray declared = QByteArray::number(header.nBytes);
+            const QByteArray line =
+                size < header.nBytes
+                    ? "truncated EMF: the file has " + file + " bytes, its header declares " +
+                          declared + ": drawn as far as the file goes"
+                    : "the EMF header declares " + declared + " bytes, the file has " + file +
+                          ": the bytes after them are ignored";
             LOG_WARN(line.constData());
             size = std::min<uint64_t>(size, header.nBytes);
         }

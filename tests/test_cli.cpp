@@ -175,7 +175,11 @@ TEST_F(CommandLine, MessagesAndSingleFile) {
         {{"-O", "out", "-"}, 2, "", "standard input (-) is converted alone" + help},
         {{none}, 1, "", "metafile2svg: cannot read " + none + ": No such file or directory\n"},
         {{In("sub/junk.emf")}, 1, "", "junk.emf: not an EMF or WMF file (status -3)\n"},
-        {{cut}, 1, "", "cut.emf: truncated EMF: the file has 1000 bytes, its header declares 3248"},
+        {{"--contract", cut},
+         1,
+         "",
+         "cut.emf: truncated EMF: the file has 1000 bytes, its header declares 3248"},
+        {{cut}, 0, "", "truncated EMF: the file has 1000 bytes, its header declares 3248: drawn"},
         // A file in place of a folder: the batch stops before converting anything.
         {{"-o", w + "/a.svg", a}, 1, "", "cannot write " + w + "/a.svg: Not a directory\n"},
         {{"-O", w + "/o", In("")}, 1, "", "cannot write " + w + "/o: Not a directory\n"},

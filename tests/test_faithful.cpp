@@ -843,10 +843,15 @@ TEST(FaithfulEmf, EndToEnd) {
             }
         }
     }
-    // A header whose byte count is not the size given, and a file too short for any header.
+    // A header whose byte count is not the size given is drawn as far as both go, one that
+    // declares less than a header is refused, and so is a file too short for any header.
     int status = 0;
     QByteArray file = Emf().build();
-    file.append('\0');
+    EXPECT_TRUE(Svg(file + '\0', &status).endsWith("</svg>\n"));
+    EXPECT_EQ(status, 1);
+    EXPECT_TRUE(Svg(file.left(file.size() - 20), &status).endsWith("</svg>\n"));
+    EXPECT_EQ(status, 1);
+    file[48] = 80;
     Svg(file, &status);
     EXPECT_EQ(status, -2);
     Svg(QByteArray(10, '\0'), &status);
