@@ -4,6 +4,7 @@
 #include <QBuffer>
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 namespace faithful {
 
@@ -22,29 +23,45 @@ int64_t Hundredths(double v) {
 }
 
 void AppendHundredths(SvgBuffer& out, int64_t n) {
-    if (n < 0) {
-        out.Append('-');
-        n = -n;
-    }
-    const int64_t whole = n / 100, frac = n % 100;
-    if (whole != 0 || frac == 0) out.AppendInt(whole);
+    // Written backwards into a local array, then appended at once.
+    char text[32];
+    char* const end = text + sizeof text;
+    char* p = end;
+    uint64_t u = n < 0 ? 0 - (uint64_t)n : (uint64_t)n;
+    const uint64_t frac = u % 100;
+    uint64_t whole = u / 100;
     if (frac != 0) {
-        out.Append('.');
-        out.Append((char)('0' + frac / 10));
-        if (frac % 10) out.Append((char)('0' + frac % 10));
+        if (frac % 10) *--p = (char)('0' + frac % 10);
+        *--p = (char)('0' + frac / 10);
+        *--p = '.';
     }
+    if (whole != 0 || frac == 0) {
+        do {
+            *--p = (char)('0' + whole % 10);
+            whole /= 10;
+        } while (whole);
+    }
+    if (n < 0) *--p = '-';
+    out.Append(p, (size_t)(end - p));
 }
 
 // "#rgb" when each channel repeats its digit, "#rrggbb" otherwise.
-QByteArray ColourText(Rgb c) {
+void AppendColour(SvgBuffer& out, Rgb c) {
     static const char kHex[] = "0123456789abcdef";
     char s[8] = {'#'};
     for (int i = 0; i < 6; ++i) s[1 + i] = kHex[(c >> (20 - 4 * i)) & 0xF];
     if (s[1] == s[2] && s[3] == s[4] && s[5] == s[6]) {
         const char shortForm[4] = {'#', s[1], s[3], s[5]};
-        return QByteArray(shortForm, 4);
+        out.Append(shortForm, 4);
+        return;
     }
-    return QByteArray(s, 7);
+    out.Append(s, 7);
+}
+
+QByteArray ColourText(Rgb c) {
+    SvgBuffer b;
+    AppendColour(b, c);
+    return b.Take();
 }
 
 QByteArray NumberText(double v) {
@@ -187,29 +204,39 @@ int DeviceSvg::GradientFor(const Fill& fill) {
     return id;
 }
 
-QByteArray DeviceSvg::StyleOf(const DrawOp& op) {
-    SvgBuffer s;
+void DeviceSvg::StyleOf(const DrawOp& op, SvgBuffer& s) {
+    s.Clear();
     const Fill& f = op.fill;
     if (f.kind == Fill::Kind::Solid) {
-        s.Write(" fill=\"", ColourText(f.color), "\"");
+        s.Append(" fill=\"");
+        AppendColour(s, f.color);
+        s.Append('"');
     } else if (f.kind == Fill::Kind::Hatch) {
         s.Write(" fill=\"url(#p", PatternFor(f), ")\"");
     } else if (f.kind == Fill::Kind::LinearGradient) {
         s.Write(" fill=\"url(#g", GradientFor(f), ")\"");
     } else if (f.kind == Fill::Kind::Image) {
         const int id = ImagePattern(f);
-        if (id >= 0)
+        if (id >= 0) {
             s.Write(" fill=\"url(#p", id, ")\"");
-        else  // past the encoding budget: the tile's first pixel as a plain colour
-            s.Write(" fill=\"",
-                    ColourText(f.monochrome ? f.color : f.image->pixel(0, 0) & 0xFFFFFF), "\"");
+        } else {  // past the encoding budget: the tile's first pixel as a plain colour
+            s.Append(" fill=\"");
+            AppendColour(s, f.monochrome ? f.color : f.image->pixel(0, 0) & 0xFFFFFF);
+            s.Append('"');
+        }
     }
     if (f.kind != Fill::Kind::None && f.rule == FillRule::EvenOdd && RuleMatters(op.path))
         s.Append(" fill-rule=\"evenodd\"");
     const Stroke& k = op.stroke;
     if (k.visible) {
-        s.Write(" stroke=\"", ColourText(k.color), "\"");
-        if (Hundredths(k.width) != 100) s.Write(" stroke-width=\"", NumberText(k.width), "\"");
+        s.Append(" stroke=\"");
+        AppendColour(s, k.color);
+        s.Append('"');
+        if (Hundredths(k.width) != 100) {
+            s.Append(" stroke-width=\"");
+            AppendNumber(s, k.width);
+            s.Append('"');
+        }
         if (!k.dashes.empty()) {
             s.Append(" stroke-dasharray=\"");
             for (size_t i = 0; i < k.dashes.size(); ++i) {
@@ -224,10 +251,12 @@ QByteArray DeviceSvg::StyleOf(const DrawOp& op) {
         if (k.join != Stroke::Join::Round)
             s.Append(k.join == Stroke::Join::Bevel ? " stroke-linejoin=\"bevel\""
                                                    : " stroke-linejoin=\"miter\"");
-        if (k.join == Stroke::Join::Miter && Hundredths(k.miterLimit) != 400)
-            s.Write(" stroke-miterlimit=\"", NumberText(k.miterLimit), "\"");
+        if (k.join == Stroke::Join::Miter && Hundredths(k.miterLimit) != 400) {
+            s.Append(" stroke-miterlimit=\"");
+            AppendNumber(s, k.miterLimit);
+            s.Append('"');
+        }
     }
-    return s.Take();
 }
 
 void DeviceSvg::AppendPathData(const Path& path) {
@@ -290,17 +319,25 @@ void DeviceSvg::AppendPathData(const Path& path) {
 }
 
 void DeviceSvg::BeginElement(const QByteArray& style) {
+    BeginElement(style.constData(), (size_t)style.size());
+}
+
+void DeviceSvg::BeginElement(const char* style, size_t length) {
     const int clip = ClipId();
     if (clip != m_clipGroup) {
         CloseGroups();
         if (clip) m_body.Write("<g clip-path=\"url(#c", clip, ")\">\n");
         m_clipGroup = clip;
     }
-    if (m_groupOpen && style == m_group) return;
+    const bool same = (size_t)m_group.size() == length &&
+                      (length == 0 || std::memcmp(m_group.constData(), style, length) == 0);
+    if (m_groupOpen && same) return;
     if (m_groupOpen) m_body.Append("</g>\n");
     m_groupOpen = false;
-    m_body.Write("<g", style, ">\n");
-    m_group = style;
+    m_body.Append("<g", 2);
+    m_body.Append(style, length);
+    m_body.Append(">\n", 2);
+    if (!same) m_group = QByteArray(style, (qsizetype)length);
     m_groupOpen = true;
 }
 
@@ -329,7 +366,8 @@ void DeviceSvg::Draw(const DrawOp& op) {
         b = {b.left - h, b.top - h, b.right + h, b.bottom + h};
     }
     if (!ClipShows(b)) return;
-    BeginElement(StyleOf(op));
+    StyleOf(op, m_style);
+    BeginElement(m_style.data(), m_style.size());
     m_body.Append("<path d=\"");
     AppendPathData(op.path);
     m_body.Append("\"/>\n");

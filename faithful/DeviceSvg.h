@@ -65,10 +65,11 @@ class DeviceSvg : public DrawSink {
     // Every element is written through BeginElement: it opens a group with the attributes
     // `style` (a space before each), or stays in the open group when it has the same.
     void BeginElement(const QByteArray& style);
+    void BeginElement(const char* style, size_t length);
     // Adds a drawn element's device-space bounds to DrawnBounds.
     void Extend(const RectF& bounds);
-    // The attributes of an element's style.
-    QByteArray StyleOf(const DrawOp& op);
+    // The attributes of an element's style, written into `out` (emptied first).
+    void StyleOf(const DrawOp& op, SvgBuffer& out);
     // The id of the pattern of a hatch or image fill, written on first use.
     int PatternFor(const Fill& fill);
     // The id of an image fill's pattern: found by the image's identity, or encoded while the
@@ -88,6 +89,7 @@ class DeviceSvg : public DrawSink {
     std::map<QByteArray, int> m_textClips;
 
     SvgBuffer m_body;
+    SvgBuffer m_style;  // the style of the element being written, its room kept between them
     bool m_groupOpen = false;
     QByteArray m_group;  // the open group's style
     std::map<QByteArray, int> m_patterns;
