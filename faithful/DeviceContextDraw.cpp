@@ -240,6 +240,7 @@ void DeviceContext::Polyline(const PointF* points, size_t count) {
     if (count < 2) return;
     Path scratch;
     Path& path = Target(scratch);
+    if (&path == &scratch) scratch.Reserve(count);
     const Matrix m = LogicalToDevice();
     path.MoveTo(m.Map(points[0]));
     for (size_t i = 1; i < count; ++i) path.LineTo(m.Map(points[i]));
@@ -250,6 +251,7 @@ void DeviceContext::PolylineTo(const PointF* points, size_t count) {
     if (count == 0) return;
     Path scratch;
     Path& path = Target(scratch);
+    if (&path == &scratch) scratch.Reserve(count + 1);
     ContinueFrom(path);
     const Matrix m = LogicalToDevice();
     for (size_t i = 0; i < count; ++i) path.LineTo(m.Map(points[i]));

@@ -132,7 +132,7 @@ bool DeviceSvg::DrawnBounds(RectF& out) const {
 int DeviceSvg::PatternFor(const Fill& fill) {
     // The pattern's element, less its id, is its key.
     SvgBuffer p;
-    p.Append(" patternUnits=\"userSpaceOnUse\"");
+    p.Write(" patternUnits=\"userSpaceOnUse\"");
     // A tile's pixels are `pixel` device units wide, drawn as squares (no smoothing).
     const double pixel = fill.pixel > 0 && std::isfinite(fill.pixel) ? fill.pixel : 1;
     if (Hundredths(fill.origin.x) != 0) p.Write(" x=\"", NumberText(fill.origin.x), "\"");
@@ -146,7 +146,7 @@ int DeviceSvg::PatternFor(const Fill& fill) {
         p.Write("<path d=\"", HatchData(fill.hatch, pixel), "\" stroke=\"", ColourText(fill.color),
                 "\" stroke-linecap=\"butt\"");
         if (Hundredths(pixel) != 100) p.Write(" stroke-width=\"", NumberText(pixel), "\"");
-        p.Append("/>");
+        p.Write("/>");
     } else {
         QImage image = *fill.image;
         if (fill.monochrome && image.format() == QImage::Format_Mono)
@@ -162,7 +162,7 @@ int DeviceSvg::PatternFor(const Fill& fill) {
                 "\" xlink:href=\"data:image/png;base64,", png.toBase64(), "\"/>");
         m_xlink = true;
     }
-    p.Append("</pattern>");
+    p.Write("</pattern>");
     const QByteArray key = p.Take();
     const auto found = m_patterns.find(key);
     if (found != m_patterns.end()) return found->second;
@@ -208,7 +208,7 @@ void DeviceSvg::StyleOf(const DrawOp& op, SvgBuffer& s) {
     s.Clear();
     const Fill& f = op.fill;
     if (f.kind == Fill::Kind::Solid) {
-        s.Append(" fill=\"");
+        s.Write(" fill=\"");
         AppendColour(s, f.color);
         s.Append('"');
     } else if (f.kind == Fill::Kind::Hatch) {
@@ -220,39 +220,41 @@ void DeviceSvg::StyleOf(const DrawOp& op, SvgBuffer& s) {
         if (id >= 0) {
             s.Write(" fill=\"url(#p", id, ")\"");
         } else {  // past the encoding budget: the tile's first pixel as a plain colour
-            s.Append(" fill=\"");
+            s.Write(" fill=\"");
             AppendColour(s, f.monochrome ? f.color : f.image->pixel(0, 0) & 0xFFFFFF);
             s.Append('"');
         }
     }
     if (f.kind != Fill::Kind::None && f.rule == FillRule::EvenOdd && RuleMatters(op.path))
-        s.Append(" fill-rule=\"evenodd\"");
+        s.Write(" fill-rule=\"evenodd\"");
     const Stroke& k = op.stroke;
     if (k.visible) {
-        s.Append(" stroke=\"");
+        s.Write(" stroke=\"");
         AppendColour(s, k.color);
         s.Append('"');
         if (Hundredths(k.width) != 100) {
-            s.Append(" stroke-width=\"");
+            s.Write(" stroke-width=\"");
             AppendNumber(s, k.width);
             s.Append('"');
         }
         if (!k.dashes.empty()) {
-            s.Append(" stroke-dasharray=\"");
+            s.Write(" stroke-dasharray=\"");
             for (size_t i = 0; i < k.dashes.size(); ++i) {
                 if (i) s.Append(' ');
                 AppendNumber(s, k.dashes[i]);
             }
             s.Append('"');
         }
-        if (k.cap != Stroke::Cap::Round)
-            s.Append(k.cap == Stroke::Cap::Flat ? " stroke-linecap=\"butt\""
-                                                : " stroke-linecap=\"square\"");
-        if (k.join != Stroke::Join::Round)
-            s.Append(k.join == Stroke::Join::Bevel ? " stroke-linejoin=\"bevel\""
-                                                   : " stroke-linejoin=\"miter\"");
+        if (k.cap == Stroke::Cap::Flat)
+            s.Write(" stroke-linecap=\"butt\"");
+        else if (k.cap != Stroke::Cap::Round)
+            s.Write(" stroke-linecap=\"square\"");
+        if (k.join == Stroke::Join::Bevel)
+            s.Write(" stroke-linejoin=\"bevel\"");
+        else if (k.join != Stroke::Join::Round)
+            s.Write(" stroke-linejoin=\"miter\"");
         if (k.join == Stroke::Join::Miter && Hundredths(k.miterLimit) != 400) {
-            s.Append(" stroke-miterlimit=\"");
+            s.Write(" stroke-miterlimit=\"");
             AppendNumber(s, k.miterLimit);
             s.Append('"');
         }
@@ -332,7 +334,7 @@ void DeviceSvg::BeginElement(const char* style, size_t length) {
     const bool same = (size_t)m_group.size() == length &&
                       (length == 0 || std::memcmp(m_group.constData(), style, length) == 0);
     if (m_groupOpen && same) return;
-    if (m_groupOpen) m_body.Append("</g>\n");
+    if (m_groupOpen) m_body.Write("</g>\n");
     m_groupOpen = false;
     m_body.Append("<g", 2);
     m_body.Append(style, length);
@@ -368,9 +370,9 @@ void DeviceSvg::Draw(const DrawOp& op) {
     if (!ClipShows(b)) return;
     StyleOf(op, m_style);
     BeginElement(m_style.data(), m_style.size());
-    m_body.Append("<path d=\"");
+    m_body.Write("<path d=\"");
     AppendPathData(op.path);
-    m_body.Append("\"/>\n");
+    m_body.Write("\"/>\n");
     Extend(b);
 }
 
@@ -381,7 +383,7 @@ QByteArray DeviceSvg::Finish(double widthPx, double heightPx, const RectF& viewB
     doc.Append(
         "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
         "<svg xmlns=\"http://www.w3.org/2000/svg\"");
-    if (m_xlink) doc.Append(" xmlns:xlink=\"http://www.w3.org/1999/xlink\"");
+    if (m_xlink) doc.Write(" xmlns:xlink=\"http://www.w3.org/1999/xlink\"");
     doc.Write(" version=\"1.1\" width=\"", NumberText(widthPx), "\" height=\"",
               NumberText(heightPx), "\" viewBox=\"");
     AppendNumber(doc, viewBox.left);
@@ -395,7 +397,7 @@ QByteArray DeviceSvg::Finish(double widthPx, double heightPx, const RectF& viewB
         "\" preserveAspectRatio=\"none\" fill=\"none\" stroke-linecap=\"round\" "
         "stroke-linejoin=\"round\">\n");
     doc.Append(m_body);
-    doc.Append("</svg>\n");
+    doc.Write("</svg>\n");
     m_body.Clear();
     return doc.Take();
 }

@@ -92,9 +92,9 @@ void DeviceSvg::DrawImage(const ImageOp& op) {
     const int id = ImageFor(op);
     if (id < 0) return;
     SvgBuffer style;
-    if (!op.smooth) style.Append(" image-rendering=\"optimizeSpeed\"");
+    if (!op.smooth) style.Write(" image-rendering=\"optimizeSpeed\"");
     if (op.opacity < 1) {
-        style.Append(" opacity=\"");
+        style.Write(" opacity=\"");
         AppendScale(style, op.opacity);
         style.Append('"');
     }
@@ -111,7 +111,7 @@ void DeviceSvg::DrawImage(const ImageOp& op) {
     AppendNumber(m_body, m.dx);
     m_body.Append(' ');
     AppendNumber(m_body, m.dy);
-    m_body.Append(")\"/>\n");
+    m_body.Write(")\"/>\n");
 
     const double w = op.compressed ? op.width : op.image->width();
     const double h = op.compressed ? op.height : op.image->height();
