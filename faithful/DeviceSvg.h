@@ -102,7 +102,11 @@ class DeviceSvg : public DrawSink {
     // The id of an image's definition, written on first use; -1 when it cannot be written
     // (past the encoding budget or the document's limit).
     int ImageFor(const ImageOp& op);
-    std::map<QByteArray, int> m_images;  // definitions by the digest of their content
+    struct ImageDef {
+        int id;
+        ImageOp op;  // its content, kept to tell apart images whose hashes are equal
+    };
+    std::multimap<uint64_t, ImageDef> m_images;  // definitions by a hash of their content
     int m_nextId = 1;
     bool m_xlink = false;
     bool m_drawn = false;
