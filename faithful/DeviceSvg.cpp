@@ -18,8 +18,16 @@ const size_t kFrameBytes = 512;
 // `v` in hundredths, rounded, within the largest written value.
 int64_t Hundredths(double v) {
     if (!std::isfinite(v)) return 0;
-    v = std::max(-kLargest, std::min(kLargest, v));
-    return (int64_t)std::llround(v * 100);
+    v = std::max(-kLargest, std::min(kLargest, v)) * 100;
+    // Halves away from zero, as llround, without the library call: the value is below 2^53,
+    // so its whole part converts exactly and the fraction is found without rounding.
+    int64_t whole = (int64_t)v;
+    const double fraction = v - (double)whole;
+    if (fraction >= 0.5)
+        ++whole;
+    else if (fraction <= -0.5)
+        --whole;
+    return whole;
 }
 
 void AppendHundredths(SvgBuffer& out, int64_t n) {
