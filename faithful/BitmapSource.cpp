@@ -118,6 +118,7 @@ QImage DecodeMasked(const dib::DibSource& dib, const uint32_t masks[3], uint32_t
     for (int c = 0; c < 3; ++c) MaskShape(masks[c], shift[c], max[c]);
     MaskShape(alphaMask, shift[3], max[3]);
     auto channel = [&](uint32_t v, int c) -> uint32_t {
+        if (max[c] == 255) return (v >> shift[c]) & 255;  // eight bits: no scaling
         return max[c] ? ((v >> shift[c]) & max[c]) * 255 / max[c] : 0;
     };
     for (int64_t y = 0; y < h; ++y) {

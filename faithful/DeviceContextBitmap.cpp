@@ -46,15 +46,19 @@ bool ReadsDestination(uint32_t rop) {
     return ((i >> 1) & 0x55) != (i & 0x55);
 }
 
-// The ternary raster operation on 24-bit colours, bit by bit.
-uint32_t Rop3(uint8_t index, uint32_t p, uint32_t s, uint32_t d) {
-    uint32_t r = 0;
-    for (int m = 0; m < 8; ++m) {
-        if (!(index >> m & 1)) continue;
-        r |= ((m & 4) ? p : ~p) & ((m & 2) ? s : ~s) & ((m & 1) ? d : ~d);
+// The ternary raster operation on 24-bit colours with its pattern fixed: for each source and
+// destination bit pair (s << 1 | d), the result bits where the pattern's bit picks them.
+struct Rop3WithPattern {
+    uint32_t k[4];
+    Rop3WithPattern(uint8_t index, uint32_t p) {
+        for (int c = 0; c < 4; ++c) {
+            k[c] = ((index >> (4 | c) & 1) ? p : 0) | ((index >> c & 1) ? ~p : 0);
+        }
     }
-    return r & 0xFFFFFF;
-}
+    uint32_t operator()(uint32_t s, uint32_t d) const {
+        return ((k[3] & s & d) | (k[2] & s & ~d) | (k[1] & ~s & d) | (k[0] & ~s & ~d)) & 0xFFFFFF;
+    }
+};
 
 // What a pixel over an unknown destination is drawn as (see the file's comment): `overWhite`
 // and `overBlack` are its results over a white and a black destination.
@@ -280,17 +284,23 @@ void DeviceContext::ResolveBlts() {
     }
     QImage out(W, H, QImage::Format_ARGB32);
     if (out.isNull()) return;
+    const size_t n = m_pendingBlts.size();
+    std::vector<Rop3WithPattern> rops;
+    rops.reserve(n);
+    for (const PendingBlt& p : m_pendingBlts) rops.emplace_back(RopIndex(p.rop), p.pattern);
+    std::vector<const QRgb*> rows(n);
     for (int y = 0; y < H; ++y) {
         auto* dst = reinterpret_cast<QRgb*>(out.scanLine(y));
+        for (size_t i = 0; i < n; ++i)
+            rows[i] = reinterpret_cast<const QRgb*>(grid[i].constScanLine(y));
         for (int x = 0; x < W; ++x) {
             uint32_t overWhite = 0xFFFFFF, overBlack = 0;
-            for (size_t i = 0; i < m_pendingBlts.size(); ++i) {
-                const QRgb src = reinterpret_cast<const QRgb*>(grid[i].constScanLine(y))[x];
+            for (size_t i = 0; i < n; ++i) {
+                const QRgb src = rows[i][x];
                 if (qAlpha(src) == 0) continue;  // a masked-out pixel keeps the destination
-                const uint8_t index = RopIndex(m_pendingBlts[i].rop);
-                const uint32_t pat = m_pendingBlts[i].pattern, s = src & 0xFFFFFF;
-                overWhite = Rop3(index, pat, s, overWhite);
-                overBlack = Rop3(index, pat, s, overBlack);
+                const uint32_t s = src & 0xFFFFFF;
+                overWhite = rops[i](s, overWhite);
+                overBlack = rops[i](s, overBlack);
             }
             dst[x] = Resolve(overWhite, overBlack);
         }

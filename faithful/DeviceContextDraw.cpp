@@ -240,6 +240,7 @@ void DeviceContext::Polyline(const PointF* points, size_t count) {
     if (count < 2) return;
     Path scratch;
     Path& path = Target(scratch);
+    if (&path == &scratch) scratch.Reserve(count);
     const Matrix m = LogicalToDevice();
     path.MoveTo(m.Map(points[0]));
     for (size_t i = 1; i < count; ++i) path.LineTo(m.Map(points[i]));
@@ -250,6 +251,7 @@ void DeviceContext::PolylineTo(const PointF* points, size_t count) {
     if (count == 0) return;
     Path scratch;
     Path& path = Target(scratch);
+    if (&path == &scratch) scratch.Reserve(count + 1);
     ContinueFrom(path);
     const Matrix m = LogicalToDevice();
     for (size_t i = 0; i < count; ++i) path.LineTo(m.Map(points[i]));
@@ -266,6 +268,7 @@ void DeviceContext::PolyPolyline(const PointF* points, size_t count, const uint3
                                  size_t figures) {
     Path scratch;
     Path& path = Target(scratch);
+    if (&path == &scratch) scratch.Reserve(count);
     const Matrix m = LogicalToDevice();
     size_t start = 0;
     for (size_t f = 0; f < figures && start < count; ++f) {
@@ -283,6 +286,8 @@ void DeviceContext::PolyPolygon(const PointF* points, size_t count, const uint32
                                 size_t figures) {
     Path scratch;
     Path& path = Target(scratch);
+    // A close for each figure of two points or more.
+    if (&path == &scratch) scratch.Reserve(count + std::min(figures, count / 2));
     const Matrix m = LogicalToDevice();
     size_t start = 0;
     for (size_t f = 0; f < figures && start < count; ++f) {
@@ -301,6 +306,7 @@ void DeviceContext::PolyBezier(const PointF* points, size_t count) {
     if (count < 4) return;
     Path scratch;
     Path& path = Target(scratch);
+    if (&path == &scratch) scratch.Reserve(count);
     const Matrix m = LogicalToDevice();
     path.MoveTo(m.Map(points[0]));
     for (size_t i = 1; i + 3 <= count; i += 3)

@@ -4,6 +4,7 @@
 #include <QBuffer>
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 namespace faithful {
 
@@ -17,34 +18,58 @@ const size_t kFrameBytes = 512;
 // `v` in hundredths, rounded, within the largest written value.
 int64_t Hundredths(double v) {
     if (!std::isfinite(v)) return 0;
-    v = std::max(-kLargest, std::min(kLargest, v));
-    return (int64_t)std::llround(v * 100);
+    v = std::max(-kLargest, std::min(kLargest, v)) * 100;
+    // Halves away from zero, as llround, without the library call: the value is below 2^53,
+    // so its whole part converts exactly and the fraction is found without rounding.
+    int64_t whole = (int64_t)v;
+    const double fraction = v - (double)whole;
+    if (fraction >= 0.5)
+        ++whole;
+    else if (fraction <= -0.5)
+        --whole;
+    return whole;
 }
 
 void AppendHundredths(SvgBuffer& out, int64_t n) {
-    if (n < 0) {
-        out.Append('-');
-        n = -n;
-    }
-    const int64_t whole = n / 100, frac = n % 100;
-    if (whole != 0 || frac == 0) out.AppendInt(whole);
+    // Written backwards into a local array, then appended at once.
+    char text[32];
+    char* const end = text + sizeof text;
+    char* p = end;
+    uint64_t u = n < 0 ? 0 - (uint64_t)n : (uint64_t)n;
+    const uint64_t frac = u % 100;
+    uint64_t whole = u / 100;
     if (frac != 0) {
-        out.Append('.');
-        out.Append((char)('0' + frac / 10));
-        if (frac % 10) out.Append((char)('0' + frac % 10));
+        if (frac % 10) *--p = (char)('0' + frac % 10);
+        *--p = (char)('0' + frac / 10);
+        *--p = '.';
     }
+    if (whole != 0 || frac == 0) {
+        do {
+            *--p = (char)('0' + whole % 10);
+            whole /= 10;
+        } while (whole);
+    }
+    if (n < 0) *--p = '-';
+    out.Append(p, (size_t)(end - p));
 }
 
 // "#rgb" when each channel repeats its digit, "#rrggbb" otherwise.
-QByteArray ColourText(Rgb c) {
+void AppendColour(SvgBuffer& out, Rgb c) {
     static const char kHex[] = "0123456789abcdef";
     char s[8] = {'#'};
     for (int i = 0; i < 6; ++i) s[1 + i] = kHex[(c >> (20 - 4 * i)) & 0xF];
     if (s[1] == s[2] && s[3] == s[4] && s[5] == s[6]) {
         const char shortForm[4] = {'#', s[1], s[3], s[5]};
-        return QByteArray(shortForm, 4);
+        out.Append(shortForm, 4);
+        return;
     }
-    return QByteArray(s, 7);
+    out.Append(s, 7);
+}
+
+QByteArray ColourText(Rgb c) {
+    SvgBuffer b;
+    AppendColour(b, c);
+    return b.Take();
 }
 
 QByteArray NumberText(double v) {
@@ -115,7 +140,7 @@ bool DeviceSvg::DrawnBounds(RectF& out) const {
 int DeviceSvg::PatternFor(const Fill& fill) {
     // The pattern's element, less its id, is its key.
     SvgBuffer p;
-    p.Append(" patternUnits=\"userSpaceOnUse\"");
+    p.Write(" patternUnits=\"userSpaceOnUse\"");
     // A tile's pixels are `pixel` device units wide, drawn as squares (no smoothing).
     const double pixel = fill.pixel > 0 && std::isfinite(fill.pixel) ? fill.pixel : 1;
     if (Hundredths(fill.origin.x) != 0) p.Write(" x=\"", NumberText(fill.origin.x), "\"");
@@ -129,7 +154,7 @@ int DeviceSvg::PatternFor(const Fill& fill) {
         p.Write("<path d=\"", HatchData(fill.hatch, pixel), "\" stroke=\"", ColourText(fill.color),
                 "\" stroke-linecap=\"butt\"");
         if (Hundredths(pixel) != 100) p.Write(" stroke-width=\"", NumberText(pixel), "\"");
-        p.Append("/>");
+        p.Write("/>");
     } else {
         QImage image = *fill.image;
         if (fill.monochrome && image.format() == QImage::Format_Mono)
@@ -145,7 +170,7 @@ int DeviceSvg::PatternFor(const Fill& fill) {
                 "\" xlink:href=\"data:image/png;base64,", png.toBase64(), "\"/>");
         m_xlink = true;
     }
-    p.Append("</pattern>");
+    p.Write("</pattern>");
     const QByteArray key = p.Take();
     const auto found = m_patterns.find(key);
     if (found != m_patterns.end()) return found->second;
@@ -187,47 +212,61 @@ int DeviceSvg::GradientFor(const Fill& fill) {
     return id;
 }
 
-QByteArray DeviceSvg::StyleOf(const DrawOp& op) {
-    SvgBuffer s;
+void DeviceSvg::StyleOf(const DrawOp& op, SvgBuffer& s) {
+    s.Clear();
     const Fill& f = op.fill;
     if (f.kind == Fill::Kind::Solid) {
-        s.Write(" fill=\"", ColourText(f.color), "\"");
+        s.Write(" fill=\"");
+        AppendColour(s, f.color);
+        s.Append('"');
     } else if (f.kind == Fill::Kind::Hatch) {
         s.Write(" fill=\"url(#p", PatternFor(f), ")\"");
     } else if (f.kind == Fill::Kind::LinearGradient) {
         s.Write(" fill=\"url(#g", GradientFor(f), ")\"");
     } else if (f.kind == Fill::Kind::Image) {
         const int id = ImagePattern(f);
-        if (id >= 0)
+        if (id >= 0) {
             s.Write(" fill=\"url(#p", id, ")\"");
-        else  // past the encoding budget: the tile's first pixel as a plain colour
-            s.Write(" fill=\"",
-                    ColourText(f.monochrome ? f.color : f.image->pixel(0, 0) & 0xFFFFFF), "\"");
+        } else {  // past the encoding budget: the tile's first pixel as a plain colour
+            s.Write(" fill=\"");
+            AppendColour(s, f.monochrome ? f.color : f.image->pixel(0, 0) & 0xFFFFFF);
+            s.Append('"');
+        }
     }
     if (f.kind != Fill::Kind::None && f.rule == FillRule::EvenOdd && RuleMatters(op.path))
-        s.Append(" fill-rule=\"evenodd\"");
+        s.Write(" fill-rule=\"evenodd\"");
     const Stroke& k = op.stroke;
     if (k.visible) {
-        s.Write(" stroke=\"", ColourText(k.color), "\"");
-        if (Hundredths(k.width) != 100) s.Write(" stroke-width=\"", NumberText(k.width), "\"");
+        s.Write(" stroke=\"");
+        AppendColour(s, k.color);
+        s.Append('"');
+        if (Hundredths(k.width) != 100) {
+            s.Write(" stroke-width=\"");
+            AppendNumber(s, k.width);
+            s.Append('"');
+        }
         if (!k.dashes.empty()) {
-            s.Append(" stroke-dasharray=\"");
+            s.Write(" stroke-dasharray=\"");
             for (size_t i = 0; i < k.dashes.size(); ++i) {
                 if (i) s.Append(' ');
                 AppendNumber(s, k.dashes[i]);
             }
             s.Append('"');
         }
-        if (k.cap != Stroke::Cap::Round)
-            s.Append(k.cap == Stroke::Cap::Flat ? " stroke-linecap=\"butt\""
-                                                : " stroke-linecap=\"square\"");
-        if (k.join != Stroke::Join::Round)
-            s.Append(k.join == Stroke::Join::Bevel ? " stroke-linejoin=\"bevel\""
-                                                   : " stroke-linejoin=\"miter\"");
-        if (k.join == Stroke::Join::Miter && Hundredths(k.miterLimit) != 400)
-            s.Write(" stroke-miterlimit=\"", NumberText(k.miterLimit), "\"");
+        if (k.cap == Stroke::Cap::Flat)
+            s.Write(" stroke-linecap=\"butt\"");
+        else if (k.cap != Stroke::Cap::Round)
+            s.Write(" stroke-linecap=\"square\"");
+        if (k.join == Stroke::Join::Bevel)
+            s.Write(" stroke-linejoin=\"bevel\"");
+        else if (k.join != Stroke::Join::Round)
+            s.Write(" stroke-linejoin=\"miter\"");
+        if (k.join == Stroke::Join::Miter && Hundredths(k.miterLimit) != 400) {
+            s.Write(" stroke-miterlimit=\"");
+            AppendNumber(s, k.miterLimit);
+            s.Append('"');
+        }
     }
-    return s.Take();
 }
 
 void DeviceSvg::AppendPathData(const Path& path) {
@@ -290,17 +329,25 @@ void DeviceSvg::AppendPathData(const Path& path) {
 }
 
 void DeviceSvg::BeginElement(const QByteArray& style) {
+    BeginElement(style.constData(), (size_t)style.size());
+}
+
+void DeviceSvg::BeginElement(const char* style, size_t length) {
     const int clip = ClipId();
     if (clip != m_clipGroup) {
         CloseGroups();
         if (clip) m_body.Write("<g clip-path=\"url(#c", clip, ")\">\n");
         m_clipGroup = clip;
     }
-    if (m_groupOpen && style == m_group) return;
-    if (m_groupOpen) m_body.Append("</g>\n");
+    const bool same = (size_t)m_group.size() == length &&
+                      (length == 0 || std::memcmp(m_group.constData(), style, length) == 0);
+    if (m_groupOpen && same) return;
+    if (m_groupOpen) m_body.Write("</g>\n");
     m_groupOpen = false;
-    m_body.Write("<g", style, ">\n");
-    m_group = style;
+    m_body.Append("<g", 2);
+    m_body.Append(style, length);
+    m_body.Append(">\n", 2);
+    if (!same) m_group = QByteArray(style, (qsizetype)length);
     m_groupOpen = true;
 }
 
@@ -329,10 +376,11 @@ void DeviceSvg::Draw(const DrawOp& op) {
         b = {b.left - h, b.top - h, b.right + h, b.bottom + h};
     }
     if (!ClipShows(b)) return;
-    BeginElement(StyleOf(op));
-    m_body.Append("<path d=\"");
+    StyleOf(op, m_style);
+    BeginElement(m_style.data(), m_style.size());
+    m_body.Write("<path d=\"");
     AppendPathData(op.path);
-    m_body.Append("\"/>\n");
+    m_body.Write("\"/>\n");
     Extend(b);
 }
 
@@ -343,7 +391,7 @@ QByteArray DeviceSvg::Finish(double widthPx, double heightPx, const RectF& viewB
     doc.Append(
         "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
         "<svg xmlns=\"http://www.w3.org/2000/svg\"");
-    if (m_xlink) doc.Append(" xmlns:xlink=\"http://www.w3.org/1999/xlink\"");
+    if (m_xlink) doc.Write(" xmlns:xlink=\"http://www.w3.org/1999/xlink\"");
     doc.Write(" version=\"1.1\" width=\"", NumberText(widthPx), "\" height=\"",
               NumberText(heightPx), "\" viewBox=\"");
     AppendNumber(doc, viewBox.left);
@@ -357,7 +405,7 @@ QByteArray DeviceSvg::Finish(double widthPx, double heightPx, const RectF& viewB
         "\" preserveAspectRatio=\"none\" fill=\"none\" stroke-linecap=\"round\" "
         "stroke-linejoin=\"round\">\n");
     doc.Append(m_body);
-    doc.Append("</svg>\n");
+    doc.Write("</svg>\n");
     m_body.Clear();
     return doc.Take();
 }

@@ -65,10 +65,11 @@ class DeviceSvg : public DrawSink {
     // Every element is written through BeginElement: it opens a group with the attributes
     // `style` (a space before each), or stays in the open group when it has the same.
     void BeginElement(const QByteArray& style);
+    void BeginElement(const char* style, size_t length);
     // Adds a drawn element's device-space bounds to DrawnBounds.
     void Extend(const RectF& bounds);
-    // The attributes of an element's style.
-    QByteArray StyleOf(const DrawOp& op);
+    // The attributes of an element's style, written into `out` (emptied first).
+    void StyleOf(const DrawOp& op, SvgBuffer& out);
     // The id of the pattern of a hatch or image fill, written on first use.
     int PatternFor(const Fill& fill);
     // The id of an image fill's pattern: found by the image's identity, or encoded while the
@@ -88,6 +89,7 @@ class DeviceSvg : public DrawSink {
     std::map<QByteArray, int> m_textClips;
 
     SvgBuffer m_body;
+    SvgBuffer m_style;  // the style of the element being written, its room kept between them
     bool m_groupOpen = false;
     QByteArray m_group;  // the open group's style
     std::map<QByteArray, int> m_patterns;
@@ -100,7 +102,11 @@ class DeviceSvg : public DrawSink {
     // The id of an image's definition, written on first use; -1 when it cannot be written
     // (past the encoding budget or the document's limit).
     int ImageFor(const ImageOp& op);
-    std::map<QByteArray, int> m_images;  // definitions by the digest of their content
+    struct ImageDef {
+        int id;
+        ImageOp op;  // its content, kept to tell apart images whose hashes are equal
+    };
+    std::multimap<uint64_t, ImageDef> m_images;  // definitions by a hash of their content
     int m_nextId = 1;
     bool m_xlink = false;
     bool m_drawn = false;

@@ -48,7 +48,7 @@ int DeviceSvg::ClipId() {
     } else {
         m_body.Write("<defs><clipPath id=\"c", id, "\"><path d=\"");
         AppendPathData(region::PathOf(region));
-        m_body.Append("\"/></clipPath></defs>\n");
+        m_body.Write("\"/></clipPath></defs>\n");
     }
     m_clips.emplace(hash, ClipDef{m_clip, id, offset});
     m_clipIds[m_clip.get()] = std::make_pair(m_clip, id);
@@ -65,9 +65,9 @@ bool DeviceSvg::ClipShows(const RectF& b) const {
 }
 
 void DeviceSvg::CloseGroups() {
-    if (m_groupOpen) m_body.Append("</g>\n");
+    if (m_groupOpen) m_body.Write("</g>\n");
     m_groupOpen = false;
-    if (m_clipGroup) m_body.Append("</g>\n");
+    if (m_clipGroup) m_body.Write("</g>\n");
     m_clipGroup = 0;
 }
 

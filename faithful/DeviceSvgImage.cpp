@@ -3,10 +3,10 @@
 // pixel, and every drawing of it is a use element whose transform maps its pixels to device
 // units.
 #include <QBuffer>
-#include <QCryptographicHash>
 #include <QVector>
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "faithful/DeviceSvg.h"
 
@@ -14,26 +14,67 @@ namespace faithful {
 
 namespace {
 
-// The digest of an image's content: its kind, size and bytes.
-void Add(QCryptographicHash& hash, const void* data, size_t size) {
-    hash.addData(QByteArray::fromRawData(static_cast<const char*>(data), (int)size));
+// A hash of an image's content: its kind, size and bytes. Equal hashes are confirmed by
+// comparing the content itself (SameContent).
+class ContentHash {
+  public:
+    void Add(const void* data, size_t size) {
+        const auto* p = static_cast<const unsigned char*>(data);
+        size_t i = 0;
+        for (; i + 8 <= size; i += 8) {
+            uint64_t w;
+            std::memcpy(&w, p + i, 8);
+            Mix(w);
+        }
+        uint64_t tail = 0;
+        for (size_t k = 0; i < size; ++i, ++k) tail |= (uint64_t)p[i] << (8 * k);
+        Mix(tail ^ ((uint64_t)size << 56));
+    }
+    uint64_t value() const { return m_h; }
+
+  private:
+    void Mix(uint64_t w) {
+        m_h ^= w;
+        m_h *= 0x9E3779B97F4A7C15ull;
+        m_h ^= m_h >> 29;
+    }
+    uint64_t m_h = 0xCBF29CE484222325ull;
+};
+
+size_t RowBytes(const QImage& im) {
+    return (size_t)(((int64_t)im.width() * im.depth() + 7) / 8);
 }
 
-QByteArray Digest(const ImageOp& op) {
-    QCryptographicHash hash(QCryptographicHash::Sha1);
+uint64_t Hash(const ImageOp& op) {
+    ContentHash hash;
     if (op.compressed) {
-        Add(hash, op.jpeg ? "jpeg" : "png ", 4);
-        Add(hash, op.compressed->constData(), (size_t)op.compressed->size());
-        return hash.result();
+        hash.Add(op.jpeg ? "jpeg" : "png ", 4);
+        hash.Add(op.compressed->constData(), (size_t)op.compressed->size());
+        return hash.value();
     }
     const QImage& im = *op.image;
     const int32_t header[3] = {im.width(), im.height(), (int32_t)im.format()};
-    Add(hash, header, sizeof header);
+    hash.Add(header, sizeof header);
     const QVector<QRgb> table = im.colorTable();
-    if (!table.isEmpty()) Add(hash, table.constData(), sizeof(QRgb) * (size_t)table.size());
-    const size_t rowBytes = (size_t)(((int64_t)im.width() * im.depth() + 7) / 8);
-    for (int y = 0; y < im.height(); ++y) Add(hash, im.constScanLine(y), rowBytes);
-    return hash.result();
+    if (!table.isEmpty()) hash.Add(table.constData(), sizeof(QRgb) * (size_t)table.size());
+    const size_t rowBytes = RowBytes(im);
+    for (int y = 0; y < im.height(); ++y) hash.Add(im.constScanLine(y), rowBytes);
+    return hash.value();
+}
+
+// True when `a` and `b` hold the same kind, size and bytes.
+bool SameContent(const ImageOp& a, const ImageOp& b) {
+    if (!a.compressed != !b.compressed) return false;
+    if (a.compressed) return a.jpeg == b.jpeg && *a.compressed == *b.compressed;
+    if (a.image == b.image) return true;
+    const QImage &x = *a.image, &y = *b.image;
+    if (x.width() != y.width() || x.height() != y.height() || x.format() != y.format())
+        return false;
+    if (x.colorTable() != y.colorTable()) return false;
+    const size_t rowBytes = RowBytes(x);
+    for (int row = 0; row < x.height(); ++row)
+        if (std::memcmp(x.constScanLine(row), y.constScanLine(row), rowBytes) != 0) return false;
+    return true;
 }
 
 // The matrix's linear part needs more than hundredths: a pixel may be a small fraction of a
@@ -46,9 +87,9 @@ void AppendScale(SvgBuffer& out, double v) {
 }  // namespace
 
 int DeviceSvg::ImageFor(const ImageOp& op) {
-    const QByteArray key = Digest(op);
-    const auto found = m_images.find(key);
-    if (found != m_images.end()) return found->second;
+    const uint64_t key = Hash(op);
+    for (auto it = m_images.lower_bound(key); it != m_images.end() && it->first == key; ++it)
+        if (SameContent(it->second.op, op)) return it->second.id;
     // Encoding costs time in proportion to the pixels: no more is encoded than the document
     // may hold.
     const size_t bytes =
@@ -81,7 +122,11 @@ int DeviceSvg::ImageFor(const ImageOp& op) {
         return -1;
     }
     m_xlink = true;
-    m_images.emplace(key, id);
+    ImageOp kept;  // the content only, to confirm later matches
+    kept.image = op.compressed ? nullptr : op.image;
+    kept.compressed = op.compressed;
+    kept.jpeg = op.jpeg;
+    m_images.emplace(key, ImageDef{id, std::move(kept)});
     return id;
 }
 
@@ -92,9 +137,9 @@ void DeviceSvg::DrawImage(const ImageOp& op) {
     const int id = ImageFor(op);
     if (id < 0) return;
     SvgBuffer style;
-    if (!op.smooth) style.Append(" image-rendering=\"optimizeSpeed\"");
+    if (!op.smooth) style.Write(" image-rendering=\"optimizeSpeed\"");
     if (op.opacity < 1) {
-        style.Append(" opacity=\"");
+        style.Write(" opacity=\"");
         AppendScale(style, op.opacity);
         style.Append('"');
     }
@@ -111,7 +156,7 @@ void DeviceSvg::DrawImage(const ImageOp& op) {
     AppendNumber(m_body, m.dx);
     m_body.Append(' ');
     AppendNumber(m_body, m.dy);
-    m_body.Append(")\"/>\n");
+    m_body.Write(")\"/>\n");
 
     const double w = op.compressed ? op.width : op.image->width();
     const double h = op.compressed ? op.height : op.image->height();

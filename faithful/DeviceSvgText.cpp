@@ -19,22 +19,22 @@ void AppendColour(SvgBuffer& out, Rgb c) {
 // The style a text's group carries: colour and font.
 QByteArray TextStyle(const TextOp& op) {
     SvgBuffer s;
-    s.Append(" fill=\"");
+    s.Write(" fill=\"");
     AppendColour(s, op.color);
     s.Write("\" font-family=\"", op.family.toUtf8(), "\" font-size=\"");
     AppendNumber(s, op.size);
     s.Append('"');
     if (op.weight == 700)
-        s.Append(" font-weight=\"bold\"");
+        s.Write(" font-weight=\"bold\"");
     else if (op.weight != 400)
         s.Write(" font-weight=\"", op.weight, "\"");
-    if (op.italic) s.Append(" font-style=\"italic\"");
+    if (op.italic) s.Write(" font-style=\"italic\"");
     if (op.underline || op.strikeOut) {
-        s.Append(" text-decoration=\"");
+        s.Write(" text-decoration=\"");
         if (op.underline)
             s.Append(op.strikeOut ? "underline line-through" : "underline");
         else
-            s.Append("line-through");
+            s.Write("line-through");
         s.Append('"');
     }
     if (op.anchor != TextOp::Anchor::Start)
@@ -62,7 +62,7 @@ int DeviceSvg::TextClipFor(const Path& clip) {
         m_body.Truncate(start);
         return found->second;
     }
-    m_body.Append("\"/></clipPath></defs>\n");
+    m_body.Write("\"/></clipPath></defs>\n");
     ++m_nextId;
     m_textClips.emplace(key, id);
     return id;
@@ -75,23 +75,23 @@ void DeviceSvg::DrawText(const TextOp& op) {
     const bool upright = Upright(op);
     // Upright text is written in device coordinates, the rest in its own text space.
     const PointF shift = upright ? op.origin : PointF{};
-    m_body.Append("<text");
+    m_body.Write("<text");
     if (clip) m_body.Write(" clip-path=\"url(#t", clip, ")\"");
     if (!upright) {
-        m_body.Append(" transform=\"translate(");
+        m_body.Write(" transform=\"translate(");
         AppendNumber(m_body, op.origin.x);
         m_body.Append(' ');
         AppendNumber(m_body, op.origin.y);
         m_body.Append(')');
         if (std::llround(op.angle * 100) % 36000 != 0) {
-            m_body.Append(" rotate(");
+            m_body.Write(" rotate(");
             AppendNumber(m_body, op.angle);
             m_body.Append(')');
         }
         if (std::llround(op.stretch * 100) != 100) {
-            m_body.Append(" scale(");
+            m_body.Write(" scale(");
             AppendNumber(m_body, op.stretch);
-            m_body.Append(" 1)");
+            m_body.Write(" 1)");
         }
         m_body.Append('"');
     }
@@ -102,21 +102,21 @@ void DeviceSvg::DrawText(const TextOp& op) {
     bool oneY = true;
     for (const PointF& p : xs)
         oneY = oneY && std::llround(p.y * 100) == std::llround(xs[0].y * 100);
-    m_body.Append(" x=\"");
+    m_body.Write(" x=\"");
     for (size_t i = 0; i < xs.size(); ++i) {
         if (i) m_body.Append(' ');
         AppendNumber(m_body, xs[i].x + shift.x);
     }
-    m_body.Append("\" y=\"");
+    m_body.Write("\" y=\"");
     for (size_t i = 0; i < (oneY ? 1 : xs.size()); ++i) {
         if (i) m_body.Append(' ');
         AppendNumber(m_body, xs[i].y + shift.y);
     }
-    m_body.Append("\" xml:space=\"preserve\">");
+    m_body.Write("\" xml:space=\"preserve\">");
     const TextRun run{reinterpret_cast<const unsigned char*>(op.text.utf16()),
                       (size_t)op.text.size(), true};
     AppendXmlText(m_body, run);
-    m_body.Append("</text>\n");
+    m_body.Write("</text>\n");
 
     // The bounds: the em box around the line, from its first to past its last position (or
     // an estimated advance when the text flows).

@@ -55,6 +55,11 @@ class Path {
     void MoveTo(PointF p);
     // A segment from the current point (a figure starts at `p` when there is none).
     void LineTo(PointF p);
+    // Room for `points` more points, and as many verbs, without growing.
+    void Reserve(size_t points) {
+        m_verbs.reserve(m_verbs.size() + points);
+        m_points.reserve(m_points.size() + points);
+    }
     void CubicTo(PointF c1, PointF c2, PointF p);
     // Closes the open figure; the next segment starts a new one at the figure's start.
     void Close();
