@@ -37,6 +37,8 @@ bool DeviceContext::Charge(uint64_t units) {
     return true;
 }
 
+// A region's rectangles come from the file and may span more than an int: their edges are
+// read as they are (left to right + 1), never through QRect's width and height.
 bool DeviceContext::DeviceRegion(const QRegion& logical, QRegion& out) {
     const Matrix m = LogicalToDevice();
     if (!Charge((uint64_t)logical.rectCount() + 1)) return false;
@@ -44,16 +46,16 @@ bool DeviceContext::DeviceRegion(const QRegion& logical, QRegion& out) {
         // Rotated or sheared: the pixels of the rectangles' outlines.
         Path path;
         for (const QRect& r : logical)
-            shapes::Rectangle(path, m,
-                              {(double)r.x(), (double)r.y(), (double)r.x() + r.width(),
-                               (double)r.y() + r.height()});
+            shapes::Rectangle(
+                path, m,
+                {(double)r.left(), (double)r.top(), (double)r.right() + 1, (double)r.bottom() + 1});
         return region::Rasterise(path, FillRule::NonZero, m_regionBudget, out);
     }
     std::vector<tagRECT> rects;
     rects.reserve((size_t)logical.rectCount());
     for (const QRect& r : logical)
-        rects.push_back(PixelRect(m.Map({(double)r.x(), (double)r.y()}),
-                                  m.Map({(double)r.x() + r.width(), (double)r.y() + r.height()})));
+        rects.push_back(PixelRect(m.Map({(double)r.left(), (double)r.top()}),
+                                  m.Map({(double)r.right() + 1, (double)r.bottom() + 1})));
     bool tooComplex = false;
     out = CreateQRegionFromRects((int)rects.size(), rects.data(), &tooComplex);
     return !tooComplex;

@@ -55,6 +55,10 @@ Path PathOf(const QRegion& region) {
     return path;
 }
 
+namespace {
+const int64_t kTallestPolygon = 100000;
+}  // namespace
+
 bool Rasterise(const Path& path, FillRule rule, uint64_t& budget, QRegion& out) {
     // The figures become one polygon: each closed and followed by the polygon's first point,
     // so that the edges joining the figures run there and back and cancel under either rule.
@@ -106,6 +110,20 @@ bool Rasterise(const Path& path, FillRule rule, uint64_t& budget, QRegion& out) 
     }
     if (cost > budget) return false;
     budget -= cost;
+    if (polygon.size() >= 3) {
+        // Qt gives up on a polygon more than 100,000 scanlines tall, leaking its edge table.
+        // Such a polygon is taken only when it is a rectangle along the axes.
+        const QRect box = polygon.boundingRect();
+        if ((int64_t)box.bottom() - box.top() > kTallestPolygon) {
+            for (const QPoint& p : polygon)
+                if ((p.x() != box.left() && p.x() != box.right()) ||
+                    (p.y() != box.top() && p.y() != box.bottom()))
+                    return false;
+            out =
+                QRegion(box.left(), box.top(), box.right() - box.left(), box.bottom() - box.top());
+            return true;
+        }
+    }
     out = polygon.size() >= 3
               ? QRegion(polygon, rule == FillRule::EvenOdd ? Qt::OddEvenFill : Qt::WindingFill)
               : QRegion();
