@@ -126,6 +126,18 @@ class DeviceSvg : public DrawSink {
     std::map<const Clip*, std::pair<std::weak_ptr<const Clip>, int>> m_clipIds;
 };
 
+// Runs `draw`; when its drawing passes the document's limit, the document returns to where it
+// stood before, and nothing of it is kept.
+template <class Draw>
+void DrawWithinLimit(DeviceSvg& writer, Draw&& draw) {
+    const DeviceSvg::Mark mark = writer.GetMark();
+    try {
+        draw();
+    } catch (const OutputLimitReached&) {
+        writer.Rewind(mark);
+    }
+}
+
 }  // namespace faithful
 
 #endif

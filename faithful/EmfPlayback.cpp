@@ -49,7 +49,8 @@ QByteArray EmfPlayer::Play(const unsigned char* data, uint64_t size) {
     m_writer.SetLimit(OutputBudget(size));
     m_dc.SetRegionBudget(kRegionWork + 4 * size);
     Walk(data, header);
-    DrawPendingBitmaps();
+    // The bit blocks that still wait for a partner are drawn at the end of the records.
+    DrawWithinLimit(m_writer, [this] { m_dc.FlushBitmaps(); });
     return Finish(header);
 }
 

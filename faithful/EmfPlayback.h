@@ -93,8 +93,6 @@ class EmfPlayer {
     void OnPlgBlt(unsigned char* r, uint32_t size);
     void OnStretchDIBits(unsigned char* r, uint32_t size);
     void OnSetDIBitsToDevice(unsigned char* r, uint32_t size);
-    // Draws the bit blocks that wait for a partner, at the end of the records.
-    void DrawPendingBitmaps();
 
     // Text (EmfPlaybackText.cpp).
     void OnExtTextOut(unsigned char* r, uint32_t size);   // EMR_EXTTEXTOUTA, EXTTEXTOUTW

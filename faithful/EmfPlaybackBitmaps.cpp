@@ -81,15 +81,6 @@ std::shared_ptr<const QImage> TakeMask(const unsigned char* r, uint32_t size, ui
 
 }  // namespace
 
-void EmfPlayer::DrawPendingBitmaps() {
-    const DeviceSvg::Mark mark = m_writer.GetMark();
-    try {
-        m_dc.FlushBitmaps();
-    } catch (const OutputLimitReached&) {
-        m_writer.Rewind(mark);
-    }
-}
-
 void EmfPlayer::OnBitBlt(unsigned char* r, uint32_t size) {
     // EMR_BITBLT, EMR_STRETCHBLT, EMR_MASKBLT, EMR_TRANSPARENTBLT and EMR_ALPHABLEND share
     // their first fields.

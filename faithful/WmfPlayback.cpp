@@ -87,7 +87,8 @@ int WmfPlayer::Play(const unsigned char* data, uint64_t size, QByteArray& out) {
     m_writer.SetLimit(OutputBudget(size));
     m_dc.SetRegionBudget(kRegionWork + 4 * size);
     Walk(data, begin, end);
-    DrawPendingBitmaps();
+    // The bit blocks that still wait for a partner are drawn at the end of the records.
+    DrawWithinLimit(m_writer, [this] { m_dc.FlushBitmaps(); });
     QByteArray svg = Finish();
     out.swap(svg);
     return 2;

@@ -99,8 +99,6 @@ class WmfPlayer {
     // Bit blocks (WmfPlaybackBitmaps.cpp).
     void OnBitBlt(unsigned char* r, uint32_t size);      // BITBLT, STRETCHBLT and DIB forms
     void OnStretchDib(unsigned char* r, uint32_t size);  // STRETCHDIB, SETDIBTODEV
-    // Draws the bit blocks that wait for a partner, at the end of the records.
-    void DrawPendingBitmaps();
 
     // Clipping and regions (WmfPlaybackClip.cpp).
     void OnCreateRegion(unsigned char* r, uint32_t size);

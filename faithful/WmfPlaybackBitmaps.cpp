@@ -30,15 +30,6 @@ bool Take(BitmapBlt& b, const SourceBitmap& s, bool decoded, bool monochrome) {
 
 }  // namespace
 
-void WmfPlayer::DrawPendingBitmaps() {
-    const DeviceSvg::Mark mark = m_writer.GetMark();
-    try {
-        m_dc.FlushBitmaps();
-    } catch (const OutputLimitReached&) {
-        m_writer.Rewind(mark);
-    }
-}
-
 void WmfPlayer::OnBitBlt(unsigned char* r, uint32_t size) {
     // The form without a bitmap is exactly (function >> 8) + 3 words long and has a reserved
     // word before the destination; the form with one has the bitmap after the destination.
