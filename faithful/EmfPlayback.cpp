@@ -48,7 +48,7 @@ QByteArray EmfPlayer::Play(const unsigned char* data, uint64_t size) {
     SetupDevice(header, data, size);
     m_writer.SetLimit(OutputBudget(size));
     m_dc.SetRegionBudget(kRegionWork + 4 * size);
-    Walk(data, header);
+    Walk(data, size, header);
     // The bit blocks that still wait for a partner are drawn at the end of the records.
     DrawWithinLimit(m_writer, [this] { m_dc.FlushBitmaps(); });
     return Finish(header);
@@ -71,9 +71,8 @@ void EmfPlayer::SetupDevice(const tagENHMETAHEADER& h, const unsigned char* data
     m_dc.SetReferenceDevice(h.szlDevice.cx, h.szlDevice.cy, mmX, mmY);
 }
 
-void EmfPlayer::Walk(const unsigned char* data, const tagENHMETAHEADER& header) {
+void EmfPlayer::Walk(const unsigned char* data, uint64_t end, const tagENHMETAHEADER& header) {
     if (header.nRecords == 0) return;
-    const uint64_t end = header.nBytes;
     uint64_t pos = header.nSize;
     uint32_t count = 0;
     while (records::Fits(pos, sizeof(tagEMR), end)) {

@@ -23,8 +23,8 @@ class EmfPlayer {
   public:
     EmfPlayer();
 
-    // Plays the EMF of `size` bytes (its header already found to carry the signature and
-    // `size` bytes) and returns the document.
+    // Plays the records within the first `size` bytes of an EMF (its header already found to
+    // carry the signature, and `size` no more than the input holds) and returns the document.
     QByteArray Play(const unsigned char* data, uint64_t size);
 
     // A decoder: the record copy (at least its fixed bytes readable) and its real size.
@@ -38,7 +38,8 @@ class EmfPlayer {
 
   private:
     void SetupDevice(const tagENHMETAHEADER& header, const unsigned char* data, uint64_t size);
-    void Walk(const unsigned char* data, const tagENHMETAHEADER& header);
+    // Plays the records within the first `end` bytes.
+    void Walk(const unsigned char* data, uint64_t end, const tagENHMETAHEADER& header);
     // The document's size in CSS pixels and its device-space rectangle.
     QByteArray Finish(const tagENHMETAHEADER& header);
 
