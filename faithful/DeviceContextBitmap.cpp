@@ -15,12 +15,50 @@
 #include <QPainter>
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "faithful/DeviceContext.h"
 
 namespace faithful {
 
 namespace {
+
+// Qt converts and scales large images on threads of its own pool, whose synchronisation the
+// thread sanitizer cannot see and which a conversion running on a host's thread need not use:
+// images are converted in bands small enough for Qt to convert on the calling thread, and
+// scaled here.
+const int kBandPixels = (1 << 17) - 1;
+
+QImage Argb32(const QImage& image) {
+    if (image.format() == QImage::Format_ARGB32) return image;
+    const int w = image.width(), h = image.height();
+    if ((int64_t)w * h <= kBandPixels) return image.convertToFormat(QImage::Format_ARGB32);
+    QImage out(w, h, QImage::Format_ARGB32);
+    if (out.isNull()) return out;
+    const int rows = std::max(1, kBandPixels / std::max(1, w));
+    for (int y = 0; y < h; y += rows) {
+        const int n = std::min(rows, h - y);
+        const QImage band = image.copy(0, y, w, n).convertToFormat(QImage::Format_ARGB32);
+        if (band.isNull()) return QImage();
+        for (int k = 0; k < n; ++k)
+            std::memcpy(out.scanLine(y + k), band.constScanLine(k), (size_t)w * 4);
+    }
+    return out;
+}
+
+// `image` (ARGB32) stretched to w x h, each pixel taking the source pixel under its centre.
+QImage ScaledNearest(const QImage& image, int w, int h) {
+    QImage out(w, h, QImage::Format_ARGB32);
+    if (out.isNull() || image.isNull()) return QImage();
+    const int64_t sw = image.width(), sh = image.height();
+    for (int y = 0; y < h; ++y) {
+        const auto* src =
+            reinterpret_cast<const QRgb*>(image.constScanLine((int)(((2 * y + 1) * sh) / (2 * h))));
+        auto* dst = reinterpret_cast<QRgb*>(out.scanLine(y));
+        for (int x = 0; x < w; ++x) dst[x] = src[((2 * x + 1) * sw) / (2 * w)];
+    }
+    return out;
+}
 
 const uint32_t kSrcCopy = 0x00CC0020;
 const int HALFTONE = 4;
@@ -106,7 +144,7 @@ QImage SourcePixels(const BitmapBlt& blt, int x0, int y0, int x1, int y1, Rgb te
     }
     if (blt.monochrome && part.format() == QImage::Format_Mono)
         part.setColorTable({0xFF000000u | text, 0xFF000000u | back});
-    return argb ? part.convertToFormat(QImage::Format_ARGB32) : part;
+    return argb ? Argb32(part) : part;
 }
 
 // Pixels of `mask` (1-bit) at (x, y), 0 outside it.
@@ -205,8 +243,7 @@ void DeviceContext::DrawBitmap(const BitmapBlt& blt) {
         if (blt.blend == BitmapBlt::Blend::Alpha) {
             op.opacity = blt.constantAlpha / 255.0;
             if (blt.sourceAlpha && blt.bitmap->hasAlphaChannel())
-                pixels = blt.bitmap->copy(x0, y0, x1 - x0, y1 - y0)
-                             .convertToFormat(QImage::Format_ARGB32);
+                pixels = Argb32(blt.bitmap->copy(x0, y0, x1 - x0, y1 - y0));
         } else {
             const QRgb key = 0xFF000000u | RgbFromColorRef(blt.key);
             for (int y = 0; y < pixels.height(); ++y) {
@@ -278,8 +315,8 @@ void DeviceContext::ResolveBlts() {
     }
     std::vector<QImage> grid;
     for (const PendingBlt& p : m_pendingBlts) {
-        QImage im = p.image->convertToFormat(QImage::Format_ARGB32);
-        grid.push_back(im.width() == W && im.height() == H ? im : im.scaled(W, H));
+        QImage im = Argb32(*p.image);
+        grid.push_back(im.width() == W && im.height() == H ? im : ScaledNearest(im, W, H));
         if (grid.back().isNull()) return;
     }
     QImage out(W, H, QImage::Format_ARGB32);
