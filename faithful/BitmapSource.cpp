@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "byteorder/RecordReader.h"
+#include "faithful/DeviceContext.h"
 #include "faithful/PatternBitmap.h"
 #include "svg/DibDecoder.h"
 
@@ -268,6 +269,15 @@ bool DecodeDdb(const unsigned char* r, size_t size, uint64_t offset, SourceBitma
     }
     out.image = std::make_shared<const QImage>(std::move(image));
     return true;
+}
+
+void UseAsSource(const SourceBitmap& s, bool monochrome, BitmapBlt& b) {
+    b.bitmap = s.image;
+    b.compressed = s.compressed;
+    b.jpeg = s.jpeg;
+    b.width = s.width;
+    b.height = s.height;
+    b.monochrome = monochrome && s.bitCount == 1;
 }
 
 }  // namespace faithful

@@ -26,6 +26,11 @@ struct SourceBitmap {
     bool bottomUp = false;  // rows stored from the bottom (the header's height is positive)
 };
 
+struct BitmapBlt;
+// Makes `s` the source of `b`. A 1-bit bitmap of a bit-block record (`monochrome`) is drawn in
+// the text and background colours.
+void UseAsSource(const SourceBitmap& s, bool monochrome, BitmapBlt& b);
+
 // The bitmap whose header lies at `headerOffset` of the record (`size` bytes) and whose bits
 // lie at `bitsOffset`, at most `bitsBytes` of them (0: up to the record's end). `alpha`: the
 // fourth byte of 32-bit pixels is a premultiplied alpha (the image is then premultiplied

@@ -59,12 +59,7 @@ bool TakeBitmap(BitmapBlt& b, const unsigned char* r, uint32_t size, uint32_t bm
     SourceBitmap s;
     if (!DecodeDib(r, size, bmi, bits, bitsBytes, alpha, s, scans)) return false;
     if (usage == DIB_PAL_COLORS && s.bitCount <= 8) return false;  // no palette to read
-    b.bitmap = s.image;
-    b.compressed = s.compressed;
-    b.jpeg = s.jpeg;
-    b.width = s.width;
-    b.height = s.height;
-    b.monochrome = monochrome && s.bitCount == 1;
+    UseAsSource(s, monochrome, b);
     if (decoded) *decoded = s;
     return true;
 }

@@ -19,12 +19,7 @@ void DestRect(BitmapBlt& b, double x, double y, double w, double h) {
 // Sets the source of `b` from a decoded bitmap; false when there is none.
 bool Take(BitmapBlt& b, const SourceBitmap& s, bool decoded, bool monochrome) {
     if (!decoded) return false;
-    b.bitmap = s.image;
-    b.compressed = s.compressed;
-    b.jpeg = s.jpeg;
-    b.width = s.width;
-    b.height = s.height;
-    b.monochrome = monochrome && s.bitCount == 1;
+    UseAsSource(s, monochrome, b);
     return true;
 }
 
